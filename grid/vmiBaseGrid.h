@@ -1,0 +1,85 @@
+#pragma once
+// vmiBaseGrid: the insole height grid. x_size x y_size nodes, spacings d_x and
+// d_y, each node an m03DPoint holding its own world x, y and its height z,
+// stored row by row (node (i, j) at j * x_size + i). A node is empty when its
+// z is -10000.0.
+#include "curves/m03DPoint.h"
+#include "host/giBox3.h"
+
+class m03DVector;
+class vmiPolylineGridMap;
+
+class vmiBaseGrid {
+public:
+    vmiBaseGrid(vmiBaseGrid& other);
+    vmiBaseGrid(const int& x_size, const int& y_size, const double& d_x, const double& d_y);
+    // Adopts points (allocated with new m03DPoint[x_size * y_size]) without a copy.
+    vmiBaseGrid(m03DPoint* points, const int& x_size, const int& y_size, const double& d_x,
+                const double& d_y);
+    ~vmiBaseGrid();
+    vmiBaseGrid& operator=(const vmiBaseGrid&) = delete;
+
+    int& x_size() { return x_size_; }
+    int& y_size() { return y_size_; }
+    double& d_x() { return d_x_; }
+    double& d_y() { return d_y_; }
+    m03DPoint* points_array() { return points_; }
+
+    // Node (i, j); outside the grid, the fallback point (0, 0, -10000.0).
+    m03DPoint& point(const int& i, const int& j);
+    // Copies p into node (i, j); does nothing outside the grid.
+    void point(const int& i, const int& j, const m03DPoint& p);
+
+    // A world coordinate divided by the spacing, rounded to a node index.
+    static int intf(double v);
+    giBox3 box();
+
+    void height_limit(const double& h);
+    void offset(const double& dx, const double& dy);
+    void merge(m03DPoint* pts, const int& n);
+    void merge(vmiBaseGrid& other);
+    void merge1(m03DPoint* pts, const int& n);
+
+    // Whole-grid operations (grid operations of the contour sections).
+    void do_smoothing(const int& r);
+    void do_smoothing(const int& r, vmiPolylineGridMap& map);
+    void do_HAbzug(const double& d);
+    vmiBaseGrid* doubled(vmiBaseGrid& src);
+    vmiBaseGrid* doubled();
+    void drop(m03DPoint* pts, const int& n);
+    void drop(vmiBaseGrid& other);
+    void cut_boundary(vmiPolylineGridMap& map);
+    void cut_boundary(m03DVector* outline);
+    vmiBaseGrid* cut_boundary2(vmiPolylineGridMap& map);
+    void make_closed_solid(vmiPolylineGridMap& map);
+    void make_closed_solid(m03DVector* outline);
+
+    // Mean height of the valid nodes around (i, j), half-width r - 1.
+    double everage_height(const int& i, const int& j, const int& r);
+    double everage_height(vmiPolylineGridMap& map, const int& i, const int& j, const int& r);
+
+    // Row and column primitives (crossing list: [n, c1, ..., cn]).
+    void fill_row(const int& j, const double& z);
+    void fill_rect_x(int a, int b, const double& z);
+    void fill_rect_y(int a, int b, const double& z);
+    void fill_row(int& inside, const int& j, int a, int b, const double& z_out, const double& z_in);
+    void fill_row(int* crossings, const int& j, const double& z_out, const double& z_in);
+    void fill_row1(int* crossings, const int& j, const double& z, const int& mode);
+    void fill_row2(vmiBaseGrid* dst, int* crossings, int j);
+    void fill_colm2(vmiBaseGrid* dst, int* crossings, int i);
+
+    void set_z(const int& i, const int& j, const double& z);
+    void set_z_if_empty(const int& i, const int& j, const double& z);
+    void set_z_if_less(const int& i, const int& j, const double& z);
+    m03DPoint middle(const m03DPoint& a, const m03DPoint& b);
+    void get_x_min_max(m03DVector* poly, int& min, int& max);
+    void get_y_min_max(m03DVector* poly, int& min, int& max);
+
+private:
+    m03DPoint* points_ = nullptr;
+    m03DPoint fallback_{0.0, 0.0, -10000.0};
+    int x_size_ = 0;
+    int y_size_ = 0;
+    double d_x_ = 0.0;
+    double d_y_ = 0.0;
+};
