@@ -11,6 +11,17 @@ class vmiPolylineGridMap;
 
 class vmiBaseGrid {
 public:
+    // The most nodes one grid may hold (about 200 MB of nodes). A scan or an
+    // insole grid holds well under a million; a record or a text that asks for
+    // more (or whose x_size * y_size overflows) yields no grid instead of an
+    // unbounded allocation.
+    static constexpr long long max_nodes = 1LL << 23;
+    // True when x_size * y_size nodes (both >= 0) stay within max_nodes.
+    static bool size_allowed(long long x_size, long long y_size)
+    {
+        return x_size >= 0 && y_size >= 0 && (x_size == 0 || y_size <= max_nodes / x_size);
+    }
+
     vmiBaseGrid(vmiBaseGrid& other);
     vmiBaseGrid(const int& x_size, const int& y_size, const double& d_x, const double& d_y);
     // Adopts points (allocated with new m03DPoint[x_size * y_size]) without a copy.
