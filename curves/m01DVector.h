@@ -1,6 +1,8 @@
 #pragma once
 // m01DVector: a counted, owned array of doubles (curve parameters, knots).
-// Vectors are passed by pointer, never copied by value.
+// Vectors are passed by pointer, never copied by value. A count of zero or below
+// makes an empty vector (size 0, null storage); an allocation failure leaves the
+// storage null with the count set, and the routines then act as on an empty list.
 
 class m01DVector {
 public:
@@ -18,9 +20,16 @@ public:
     const double* get_data_pointer() const { return data_; }
 
     void reverse();
+    // 1 when the values never decrease (equal neighbours are in order), else 0.
     int check_params_order() const;
+    // first: the first index whose value exceeds a (size-1 when none does);
+    // last: the first index from first on whose value exceeds b, or size.
     void find_limit_range(double a, double b, int& first, int& last) const;
+    // Keeps a, the values inside, and b; a value within 1e-6 of the one before it
+    // is dropped, b included.
     void limit_params(double a, double b);
+    // The same for one period of a closed curve's parameters; when b comes before a
+    // the list runs across the seam and continues one period on.
     void limit_params_closed(double a, double b);
 
 private:

@@ -2,6 +2,9 @@
 // m03DVector: a counted, owned array of m03DPoint (polylines, control polygons,
 // outlines). It keeps no capacity apart from its count: set_size only rewrites
 // the count, so a caller that enlarges a vector must have made it large enough.
+// A count of zero or below makes an empty vector (size 0, null storage); an
+// allocation failure leaves the storage null with the count set, and the routines
+// below then act as on an empty vector.
 #include "curves/m03DPoint.h"
 
 class m03DVector {
@@ -21,17 +24,30 @@ public:
     m03DPoint* get_point_array() { return points_; }
     const m03DPoint* get_point_array() const { return points_; }
 
-    // Point on the polyline at index-parameter t.
+    // Point on the polyline at index-parameter t: t = i + f lies between point i
+    // and point i+1; beyond the ends the end points. A t between -1 and 0 lands on
+    // the extension of the first segment before the first point.
     m03DPoint point(const double& t) const;
+    // Sum of the segment lengths; 0 for fewer than two points.
     double length() const;
+    // Closest point to q on the polyline; (0,0,0) when it is empty.
     m03DPoint min_dist_point(m03DPoint& q) const;
     void offset(const m03DPoint& d);
     void reverse();
+    // Removes point i; out-of-range indices are ignored. The storage stays.
     void delete_point(const int& i);
+    // Drops each point within 1e-5 of the last point kept.
     void delete_coincide();
+    // Trims the polyline to run from a to b, across the seam of a closed polyline
+    // when b lies before a; a polyline of fewer than two points is left alone.
     void limit(m03DPoint& a, m03DPoint& b);
 
 private:
+    // Index of the segment whose closest point to q is nearest; the first wins ties.
+    int nearest_segment(m03DPoint& q) const;
+    void limit_across_seam(m03DPoint& a, m03DPoint& b, int ia, int ib);
+    void limit_in_place(m03DPoint& a, m03DPoint& b, int ia, int ib);
+
     int size_ = 0;
     m03DPoint* points_ = nullptr;
 };
