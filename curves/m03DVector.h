@@ -28,6 +28,9 @@ public:
     // and point i+1; beyond the ends the end points. A t between -1 and 0 lands on
     // the extension of the first segment before the first point.
     m03DPoint point(const double& t) const;
+    // Without this overload a call on a non-const vector with a double would be
+    // ambiguous with the non-const point(const int&).
+    m03DPoint point(const double& t) { return static_cast<const m03DVector*>(this)->point(t); }
     // Sum of the segment lengths; 0 for fewer than two points.
     double length() const;
     // Closest point to q on the polyline; (0,0,0) when it is empty.
