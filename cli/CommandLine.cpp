@@ -1,0 +1,70 @@
+#include "cli/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "cli/ExitCode.h"
+#include "cli/InspectCommand.h"
+
+#ifndef VELMORA_VERSION
+#define VELMORA_VERSION "unknown"
+#endif
+
+namespace {
+
+// CLI11 may put a line break into a message; a diagnostic stays on one line.
+std::string one_line(std::string s)
+{
+    for (char& c : s)
+        if (c == '\n' || c == '\r') c = ' ';
+    while (!s.empty() && s.back() == ' ') s.pop_back();
+    return s;
+}
+
+void add_inspect(CLI::App& app, InspectCommand& inspect)
+{
+    CLI::App* cmd = app.add_subcommand(
+        "inspect", "List what an archive holds before any interpretation: every ZIP entry, "
+                   "every catalogue record and the data entry each record names");
+    cmd->add_flag("--json", inspect.json, "Print the listing as JSON (format \"velmora-inspect\")");
+    cmd->add_option("file", inspect.file, "The archive to list")->required()->type_name("FILE.vlm");
+    cmd->footer("Exit status: 0 listed, 2 wrong usage, 3 the file could not be read.");
+}
+
+// The command word, when the first argument is one (not an option).
+std::string command_word(int argc, const char* const* argv)
+{
+    if (argc < 2 || argv[1] == nullptr || argv[1][0] == '-') return {};
+    return argv[1];
+}
+
+} // namespace
+
+int CommandLine::run(int argc, const char* const* argv, std::ostream& out, std::ostream& err)
+{
+    CLI::App app("velmora: the command-line host of the Velmora archive importer", "velmora");
+    app.set_version_flag("--version", std::string("velmora ") + VELMORA_VERSION);
+    app.require_subcommand(1);
+    app.footer("The commands dump and convert are not yet available.\n"
+               "Exit status: 0 success, 2 wrong usage, 3 a file could not be read.");
+    InspectCommand inspect;
+    add_inspect(app, inspect);
+    // CLI11 would call an unknown word an unexpected argument; name it instead.
+    const std::string word = command_word(argc, argv);
+    if (!word.empty() && word != "inspect") {
+        const bool later = word == "dump" || word == "convert";
+        err << "velmora: " << word << (later ? ": command not yet available" : ": unknown command")
+            << " (see velmora --help)\n";
+        return exit_usage;
+    }
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& e) {
+        return app.exit(e, out, err);
+    } catch (const CLI::ParseError& e) {
+        err << "velmora: " << one_line(e.what()) << " (see velmora --help)\n";
+        return exit_usage;
+    }
+    if (app.got_subcommand("inspect")) return inspect.run(out, err);
+    return exit_usage;
+}

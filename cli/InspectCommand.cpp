@@ -1,0 +1,225 @@
+#include "cli/InspectCommand.h"
+
+#include <cerrno>
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <system_error>
+#include <filesystem>
+
+#include "archive/vmiFile.h"
+#include "cli/ArchiveListing.h"
+#include "cli/ExitCode.h"
+#include "cli/JsonWriter.h"
+#include "host/qozUnZip.h"
+
+namespace {
+
+// Why the file cannot be listed, or empty when it can: the file must exist,
+// be a regular file we may open, and be a ZIP archive the unzip service takes.
+std::string unreadable_reason(const std::string& file)
+{
+    std::error_code ec;
+    const auto status = std::filesystem::status(file, ec);
+    if (ec || !std::filesystem::exists(status)) return "no such file";
+    if (std::filesystem::is_directory(status)) return "is a directory";
+    {
+        std::ifstream probe(file, std::ios::binary);
+        if (!probe) return std::string("cannot open: ") + std::strerror(errno);
+    }
+    qozUnZip unzip;
+    if (!unzip.open(utString(file))) return "not a ZIP archive";
+    return {};
+}
+
+const char* kind_name(int type)
+{
+    return type == 1 ? "data" : type == 2 ? "catalogue" : "other";
+}
+
+void write_optional(JsonWriter& w, const std::optional<std::string>& s)
+{
+    if (s) w.string(*s);
+    else w.null();
+}
+
+void write_entry(JsonWriter& w, const ListedEntry& e)
+{
+    w.begin_object(true);
+    w.key("name").string(e.name);
+    w.key("kind").string(kind_name(e.type));
+    w.key("number").integer(e.number);
+    // The unzip service gives -1 when the archive does not declare a size.
+    w.key("stored_size");
+    if (e.stored_size >= 0) w.integer(e.stored_size);
+    else w.null();
+    w.key("size");
+    if (e.size) w.integer(*e.size);
+    else w.null();
+    w.key("chunks").integer(e.chunks);
+    w.key("magic");
+    write_optional(w, e.magic);
+    w.key("sha256");
+    write_optional(w, e.sha256);
+    w.end_object();
+}
+
+void write_record(JsonWriter& w, const ListedRecord& r)
+{
+    w.begin_object(true);
+    w.key("level").integer(r.level);
+    if (r.level != 3) {
+        w.key("name0").string(r.name0);
+        w.key("name1").string(r.name1);
+        w.end_object();
+        return;
+    }
+    w.key("type1").integer(r.type1);
+    w.key("indx").integer(r.indx);
+    w.key("ref_indx").integer(r.ref_indx);
+    w.key("type2").integer(r.type2);
+    w.key("date").string(r.date);
+    w.key("name1").string(r.name1);
+    w.key("comment").string(r.comment);
+    w.key("data_indx").integer(r.data_indx);
+    w.key("data");
+    if (!r.data_found) w.string("missing");
+    else write_optional(w, r.data_magic);
+    w.end_object();
+}
+
+void write_catalogue(JsonWriter& w, const ListedCatalogue& c)
+{
+    w.begin_object();
+    w.key("entry").string(c.entry);
+    w.key("number").integer(c.number);
+    w.key("size").integer(c.size);
+    w.key("found").boolean(c.found);
+    w.key("separator").boolean(c.separator);
+    w.key("records").begin_array();
+    for (const ListedRecord& r : c.records) write_record(w, r);
+    w.end_array();
+    w.end_object();
+}
+
+} // namespace
+
+int InspectCommand::run(std::ostream& out, std::ostream& err) const
+{
+    const std::string reason = unreadable_reason(file);
+    if (!reason.empty()) {
+        err << "velmora: " << file << ": " << reason << '\n';
+        return exit_unreadable;
+    }
+    ArchiveListing listing;
+    {
+        vmiFile reader;
+        reader.set_observer(&listing);
+        // The result (whether a node tree came out) is the import's business;
+        // the listing shows the archive whatever it holds.
+        (void)reader.read(utString(file));
+    }
+    if (json) write_json(listing, out);
+    else write_table(file, listing, out);
+    out.flush();
+    return exit_success;
+}
+
+void InspectCommand::write_json(const ArchiveListing& listing, std::ostream& out)
+{
+    JsonWriter w(out);
+    w.begin_object();
+    w.key("format").string("velmora-inspect");
+    w.key("version").integer(1);
+    w.key("entries").begin_array();
+    for (const ListedEntry& e : listing.entries()) write_entry(w, e);
+    w.end_array();
+    w.key("catalogues").begin_array();
+    for (const ListedCatalogue& c : listing.catalogues()) write_catalogue(w, c);
+    w.end_array();
+    w.end_object();
+    w.finish();
+}
+
+namespace {
+
+// A table cell per column, right-aligned for numbers.
+struct Column {
+    std::string title;
+    bool right;
+};
+
+void write_rows(const std::vector<Column>& columns, const std::vector<std::vector<std::string>>& rows,
+                std::ostream& out)
+{
+    std::vector<std::size_t> width(columns.size());
+    for (std::size_t c = 0; c < columns.size(); ++c) {
+        width[c] = columns[c].title.size();
+        for (const auto& row : rows) width[c] = std::max(width[c], row[c].size());
+    }
+    const auto line = [&](const std::vector<std::string>& cells) {
+        std::string text = " ";
+        for (std::size_t c = 0; c < cells.size(); ++c) {
+            const std::string pad(width[c] - cells[c].size(), ' ');
+            text += ' ';
+            text += columns[c].right ? pad + cells[c] : cells[c] + pad;
+        }
+        while (!text.empty() && text.back() == ' ') text.pop_back();
+        out << text << '\n';
+    };
+    std::vector<std::string> titles;
+    for (const Column& c : columns) titles.push_back(c.title);
+    line(titles);
+    for (const auto& row : rows) line(row);
+}
+
+std::string or_dash(const std::optional<std::string>& s) { return s ? *s : "-"; }
+
+void write_entry_table(const ArchiveListing& listing, std::ostream& out)
+{
+    out << "entries: " << listing.entries().size() << '\n';
+    if (listing.entries().empty()) return;
+    const std::vector<Column> columns = {{"name", false},   {"kind", false},  {"number", true},
+                                         {"stored", true},  {"size", true},   {"chunks", true},
+                                         {"magic", false},  {"sha256", false}};
+    std::vector<std::vector<std::string>> rows;
+    for (const ListedEntry& e : listing.entries()) {
+        // The name is quoted as JSON quotes it, so that every byte shows.
+        rows.push_back({json_string(e.name), kind_name(e.type), std::to_string(e.number),
+                        e.stored_size >= 0 ? std::to_string(e.stored_size) : "-",
+                        e.size ? std::to_string(*e.size) : "-", std::to_string(e.chunks),
+                        or_dash(e.magic), e.sha256 ? e.sha256->substr(0, 16) : "-"});
+    }
+    write_rows(columns, rows, out);
+}
+
+std::string record_line(const ListedRecord& r)
+{
+    std::string s = "level " + std::to_string(r.level) + ": ";
+    if (r.level != 3) return s + "name0 " + json_string(r.name0) + ", name1 " + json_string(r.name1);
+    s += "type1 " + std::to_string(r.type1) + ", indx " + std::to_string(r.indx) + ", ref_indx " +
+         std::to_string(r.ref_indx) + ", type2 " + std::to_string(r.type2) + ", date " + json_string(r.date) +
+         ", name1 " + json_string(r.name1) + ", comment " + json_string(r.comment) + ", data_indx " +
+         std::to_string(r.data_indx) + ", data ";
+    if (!r.data_found) return s + "missing";
+    return s + (r.data_magic ? *r.data_magic : "(shorter than 4 bytes)");
+}
+
+void write_catalogue_table(const ListedCatalogue& c, std::ostream& out)
+{
+    out << "catalogue " << json_string(c.entry) << ": number " << c.number << ", " << c.size << " bytes, "
+        << (c.found ? "found" : "not found (only number 0 is read)") << ", "
+        << (c.separator ? "separator line met" : "no separator line") << ", " << c.records.size()
+        << " records\n";
+    for (const ListedRecord& r : c.records) out << "  " << record_line(r) << '\n';
+}
+
+} // namespace
+
+void InspectCommand::write_table(const std::string& file, const ArchiveListing& listing, std::ostream& out)
+{
+    out << "archive: " << file << '\n';
+    write_entry_table(listing, out);
+    out << "catalogues: " << listing.catalogues().size() << '\n';
+    for (const ListedCatalogue& c : listing.catalogues()) write_catalogue_table(c, out);
+}

@@ -1,0 +1,22 @@
+#pragma once
+// InspectCommand: `velmora inspect [--json] FILE.vlm`. Reads the archive with
+// vmiFile::read and an ArchiveListing listening, then prints the listing as a
+// table or as the JSON document "velmora-inspect".
+#include <ostream>
+#include <string>
+
+class ArchiveListing;
+
+class InspectCommand {
+public:
+    std::string file;
+    bool json = false;
+
+    // Exit status: 0 listed (an archive without a catalogue included), 3 the
+    // file could not be read (missing, not a regular file, not a ZIP).
+    // Diagnostics go to err, one line naming the file and the reason.
+    int run(std::ostream& out, std::ostream& err) const;
+
+    static void write_json(const ArchiveListing& listing, std::ostream& out);
+    static void write_table(const std::string& file, const ArchiveListing& listing, std::ostream& out);
+};

@@ -1,0 +1,193 @@
+#include "cli/JsonWriter.h"
+
+#include <charconv>
+#include <cmath>
+
+namespace {
+
+// Length of the valid UTF-8 sequence starting at s[i], or 0 when the byte there
+// does not start one (overlong forms, surrogates and code points above
+// U+10FFFF are not valid).
+std::size_t utf8_sequence_length(std::string_view s, std::size_t i)
+{
+    const auto at = [&](std::size_t k) { return static_cast<unsigned char>(s[k]); };
+    const unsigned char b0 = at(i);
+    std::size_t n = 0;
+    unsigned char lo = 0x80, hi = 0xBF;  // allowed range of the second byte
+    if (b0 < 0x80) return 1;
+    if (b0 >= 0xC2 && b0 <= 0xDF) n = 2;
+    else if (b0 == 0xE0) { n = 3; lo = 0xA0; }
+    else if (b0 == 0xED) { n = 3; hi = 0x9F; }
+    else if (b0 >= 0xE1 && b0 <= 0xEF) n = 3;
+    else if (b0 == 0xF0) { n = 4; lo = 0x90; }
+    else if (b0 == 0xF4) { n = 4; hi = 0x8F; }
+    else if (b0 >= 0xF1 && b0 <= 0xF3) n = 4;
+    else return 0;
+    if (i + n > s.size()) return 0;
+    if (at(i + 1) < lo || at(i + 1) > hi) return 0;
+    for (std::size_t k = 2; k < n; ++k)
+        if (at(i + k) < 0x80 || at(i + k) > 0xBF) return 0;
+    return n;
+}
+
+void append_byte_escape(std::string& out, unsigned char b)
+{
+    static const char hex[] = "0123456789abcdef";
+    out += "\\u00";
+    out += hex[b >> 4];
+    out += hex[b & 0xF];
+}
+
+} // namespace
+
+std::string json_string(std::string_view bytes)
+{
+    std::string out;
+    out.reserve(bytes.size() + 2);
+    out += '"';
+    for (std::size_t i = 0; i < bytes.size();) {
+        const unsigned char b = static_cast<unsigned char>(bytes[i]);
+        const std::size_t n = utf8_sequence_length(bytes, i);
+        if (n == 0) {
+            append_byte_escape(out, b);
+            ++i;
+            continue;
+        }
+        if (n > 1) {
+            out.append(bytes.substr(i, n));
+            i += n;
+            continue;
+        }
+        switch (b) {
+        case '"': out += "\\\""; break;
+        case '\\': out += "\\\\"; break;
+        case '\b': out += "\\b"; break;
+        case '\f': out += "\\f"; break;
+        case '\n': out += "\\n"; break;
+        case '\r': out += "\\r"; break;
+        case '\t': out += "\\t"; break;
+        default:
+            if (b < 0x20) append_byte_escape(out, b);
+            else out += static_cast<char>(b);
+        }
+        ++i;
+    }
+    out += '"';
+    return out;
+}
+
+std::string json_number(double value)
+{
+    if (std::isnan(value)) return "\"NaN\"";
+    if (std::isinf(value)) return value > 0 ? "\"Infinity\"" : "\"-Infinity\"";
+    char buf[64];
+    // std::to_chars without a format gives the shortest form that reads back
+    // to the same double.
+    const auto res = std::to_chars(buf, buf + sizeof buf, value);
+    std::string text(buf, res.ptr);
+    if (text.find_first_of(".e") == std::string::npos) text += ".0";
+    return text;
+}
+
+JsonWriter::JsonWriter(std::ostream& out, bool pretty) : out_(out), pretty_(pretty) {}
+
+bool JsonWriter::inline_here() const
+{
+    if (!pretty_) return true;
+    for (const Level& l : levels_)
+        if (l.single_line) return true;
+    return false;
+}
+
+void JsonWriter::newline_indent()
+{
+    out_ << '\n';
+    for (std::size_t i = 0; i < levels_.size(); ++i) out_ << "  ";
+}
+
+void JsonWriter::before_value()
+{
+    if (after_key_) {
+        after_key_ = false;
+        return;
+    }
+    if (levels_.empty()) return;
+    const bool single_line = inline_here();
+    Level& top = levels_.back();
+    if (!top.empty) out_ << (single_line && pretty_ ? ", " : ",");
+    top.empty = false;
+    if (!single_line) newline_indent();
+}
+
+void JsonWriter::open(char bracket, bool single_line)
+{
+    before_value();
+    out_ << bracket;
+    levels_.push_back({single_line, true, bracket == '{' ? '}' : ']'});
+}
+
+void JsonWriter::close(char bracket)
+{
+    // A close that does not match the open container is a caller's slip; it
+    // is ignored rather than producing unbalanced text.
+    if (levels_.empty() || levels_.back().closer != bracket) return;
+    const bool was_empty = levels_.back().empty;
+    const bool was_inline = inline_here();
+    levels_.pop_back();
+    if (!was_empty && !was_inline) newline_indent();
+    out_ << bracket;
+}
+
+JsonWriter& JsonWriter::begin_object(bool single_line) { open('{', single_line); return *this; }
+JsonWriter& JsonWriter::end_object() { close('}'); return *this; }
+JsonWriter& JsonWriter::begin_array(bool single_line) { open('[', single_line); return *this; }
+JsonWriter& JsonWriter::end_array() { close(']'); return *this; }
+
+JsonWriter& JsonWriter::key(std::string_view name)
+{
+    before_value();
+    out_ << json_string(name) << (pretty_ ? ": " : ":");
+    after_key_ = true;
+    return *this;
+}
+
+JsonWriter& JsonWriter::string(std::string_view bytes)
+{
+    before_value();
+    out_ << json_string(bytes);
+    return *this;
+}
+
+JsonWriter& JsonWriter::number(double value)
+{
+    before_value();
+    out_ << json_number(value);
+    return *this;
+}
+
+JsonWriter& JsonWriter::integer(std::int64_t value)
+{
+    before_value();
+    out_ << value;
+    return *this;
+}
+
+JsonWriter& JsonWriter::boolean(bool value)
+{
+    before_value();
+    out_ << (value ? "true" : "false");
+    return *this;
+}
+
+JsonWriter& JsonWriter::null()
+{
+    before_value();
+    out_ << "null";
+    return *this;
+}
+
+void JsonWriter::finish()
+{
+    while (!levels_.empty()) close(levels_.back().closer);
+    out_ << '\n';
+}

@@ -1,0 +1,68 @@
+#pragma once
+// JsonWriter: a streaming writer of the JSON documents the command line prints
+// (`velmora inspect --json`, `velmora dump`). It writes strings byte for byte as
+// the archive holds them and doubles so that they read back to the same value,
+// which a general-purpose JSON library does not promise for bytes that are not
+// UTF-8.
+#include <cstdint>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The JSON text of a string holding the given bytes, quotes included. Valid
+// UTF-8 sequences stay the characters they encode; every byte that is not part
+// of a valid sequence becomes "\u00XX" with its own value. '"', '\\' and the
+// control characters are escaped ("\r" stays "\r").
+std::string json_string(std::string_view bytes);
+
+// The JSON text of a double: the shortest decimal form that reads back to the
+// same double, always with a '.' or an exponent so that it reads as a double
+// (1.0, -0.0, 1e+20). NaN and the infinities have no JSON number and are
+// written as the strings "NaN", "Infinity" and "-Infinity".
+std::string json_number(double value);
+
+class JsonWriter {
+public:
+    // pretty: members and elements on their own lines, indented by two spaces
+    // per level; otherwise one line without spaces.
+    explicit JsonWriter(std::ostream& out, bool pretty = true);
+
+    // A container opened with single_line = true is written on one line in
+    // pretty mode, with everything nested in it (for short records and
+    // coordinate triples).
+    JsonWriter& begin_object(bool single_line = false);
+    JsonWriter& end_object();
+    JsonWriter& begin_array(bool single_line = false);
+    JsonWriter& end_array();
+
+    // The name of the next member; only inside an object.
+    JsonWriter& key(std::string_view name);
+
+    JsonWriter& string(std::string_view bytes);
+    JsonWriter& number(double value);
+    JsonWriter& integer(std::int64_t value);
+    JsonWriter& boolean(bool value);
+    JsonWriter& null();
+
+    // Closes what is still open and ends the document with a line feed.
+    void finish();
+
+private:
+    struct Level {
+        bool single_line;
+        bool empty;
+        char closer;
+    };
+
+    void before_value();
+    void open(char bracket, bool single_line);
+    void close(char bracket);
+    void newline_indent();
+    bool inline_here() const;
+
+    std::ostream& out_;
+    bool pretty_;
+    bool after_key_ = false;
+    std::vector<Level> levels_;
+};
