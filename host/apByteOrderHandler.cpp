@@ -8,21 +8,22 @@ apByteOrderHandler::apByteOrderHandler(int file_order, int machine_order)
 }
 
 namespace {
-std::uint32_t load(const unsigned char* p, bool swap)
+
+// Assembled by shifts, so that the machine's own byte order never matters.
+std::uint32_t load(const unsigned char* p, bool big_endian)
 {
-    unsigned char b[4] = {p[0], p[1], p[2], p[3]};
-    if (swap) {
-        unsigned char t = b[0]; b[0] = b[3]; b[3] = t;
-        t = b[1]; b[1] = b[2]; b[2] = t;
-    }
-    std::uint32_t v;
-    std::memcpy(&v, b, 4);
-    return v;
+    if (big_endian)
+        return (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) |
+               (std::uint32_t{p[2]} << 8) | std::uint32_t{p[3]};
+    return std::uint32_t{p[0]} | (std::uint32_t{p[1]} << 8) | (std::uint32_t{p[2]} << 16) |
+           (std::uint32_t{p[3]} << 24);
 }
-} // namespace
+
+}  // namespace
 
 std::int32_t apByteOrderHandler::int32(const unsigned char* p) const
 {
+    // Two's complement conversion, defined since C++20.
     return static_cast<std::int32_t>(load(p, swap_));
 }
 

@@ -1,8 +1,17 @@
 #pragma once
 // apByteOrderHandler: turns 4-byte groups read from a file into 32-bit
-// integers and floats. The two constructor arguments name the file's and the
-// machine's byte orders; (0, 0), the default state, takes a group in the
-// machine's own order (little-endian on every machine the plug-in runs on).
+// integers and floats.
+//
+// Contract for a host's vendor (what the plug-in relies on):
+// - The two constructor arguments name the file's and the machine's byte
+//   orders. When they are equal, the default (0, 0) included, a group is read
+//   least significant byte first (little-endian): the bytes 78 56 34 12 are
+//   the integer 0x12345678 and 00 00 80 3F the float 1.0. When they differ,
+//   the group is read most significant byte first.
+// - The result does not depend on the machine's own byte order.
+// - Floats are IEEE single precision, bit for bit: NaNs, infinities and
+//   subnormals come back as stored.
+// - The caller guarantees 4 readable bytes at p; nothing else is read.
 #include <cstdint>
 
 class apByteOrderHandler {

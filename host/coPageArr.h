@@ -1,6 +1,15 @@
 #pragma once
-// coPageArr: the host's growable sequence. Elements keep their order; indices
-// outside the sequence are the caller's error.
+// coPageArr: the host's growable sequence.
+//
+// Contract for a host's vendor (what the plug-in relies on):
+// - add() appends at the end; elements keep the order they were added in and
+//   stay where they are (index i names the same element until clear()).
+// - It holds values; for a list of pointers it owns nothing: whoever fills it
+//   with new objects deletes them (the plug-in's owners do so in their
+//   destructors).
+// - Move-only elements can be added by moving them in.
+// - Indices outside [0, size()) are the caller's error; the plug-in always
+//   checks size() first.
 #include <cstddef>
 #include <vector>
 

@@ -1,10 +1,20 @@
 #pragma once
 // utString: the host's string type, used for every name the plug-in hands over.
-// A plain byte string: it holds any bytes (a carriage return or a byte that is
-// not valid UTF-8 included) and never interprets them.
+//
+// Contract for a host's vendor (what the plug-in relies on):
+// - A plain byte string: it holds any bytes (a carriage return, a zero byte or
+//   a byte that is not valid UTF-8 included) and never interprets, trims or
+//   converts them. length() counts bytes.
+// - Built from a null pointer it is empty; built from (pointer, n) it holds
+//   exactly those n bytes.
+// - Copies are independent values (a vendor may share storage by reference
+//   counting, but a change to one copy never shows in another).
+// - Comparison is byte-wise: equal only when both hold the same bytes;
+//   operator< orders by unsigned byte values, a prefix first.
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
 class utString {
 public:
