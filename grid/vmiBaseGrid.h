@@ -16,15 +16,28 @@ public:
     // more (or whose x_size * y_size overflows) yields no grid instead of an
     // unbounded allocation.
     static constexpr long long max_nodes = 1LL << 23;
-    // True when x_size * y_size nodes (both >= 0) stay within max_nodes.
+    // True when both sizes lie in 0 ... max_nodes and x_size * y_size nodes stay
+    // within max_nodes. Each size is bounded on its own as well, so that a grid of
+    // 0 x 2^31 cannot make the row and column loops run for nothing.
     static bool size_allowed(long long x_size, long long y_size)
     {
-        return x_size >= 0 && y_size >= 0 && (x_size == 0 || y_size <= max_nodes / x_size);
+        return x_size >= 0 && y_size >= 0 && x_size <= max_nodes && y_size <= max_nodes &&
+               (x_size == 0 || y_size <= max_nodes / x_size);
     }
+    // intf maps any value beyond +-intf_bound (and NaN, to -intf_bound) onto the
+    // bound: far outside every grid, yet an index + 1 or 2 * index cannot overflow.
+    static constexpr int intf_bound = 1 << 29;
+    // One smoothing pass may read at most this many nodes (nodes x neighbourhood);
+    // a radius that would read more leaves the grid as it is instead of hanging.
+    static constexpr long long max_smoothing_reads = 1LL << 30;
 
     vmiBaseGrid(vmiBaseGrid& other);
+    // A size outside size_allowed (negative, or too many nodes) makes an empty grid:
+    // no array, x_size = y_size = 0, spacings kept. So does an allocation failure.
     vmiBaseGrid(const int& x_size, const int& y_size, const double& d_x, const double& d_y);
     // Adopts points (allocated with new m03DPoint[x_size * y_size]) without a copy.
+    // A null array or sizes outside size_allowed leave the grid empty (sizes 0);
+    // a non-null array is still owned and freed.
     vmiBaseGrid(m03DPoint* points, const int& x_size, const int& y_size, const double& d_x,
                 const double& d_y);
     ~vmiBaseGrid();
@@ -87,10 +100,23 @@ public:
     void get_y_min_max(m03DVector* poly, int& min, int& max);
 
 private:
+    // fill_row2 along a row (along_x) or fill_colm2 along a column: one routine.
+    void fill_line2(vmiBaseGrid* dst, int* crossings, int fixed, bool along_x);
+    // Node k of the row (along_x) or column through `fixed`.
+    m03DPoint& line_node(int k, int fixed, bool along_x);
+    // Writes z into dst's node k of that line, with x and y of this grid's node.
+    void put_line_z(vmiBaseGrid* dst, int k, int fixed, bool along_x, const double& z);
+    // Releases the array and leaves a 0 x 0 grid.
+    void make_empty();
+
     m03DPoint* points_ = nullptr;
     m03DPoint fallback_{0.0, 0.0, -10000.0};
     int x_size_ = 0;
     int y_size_ = 0;
     double d_x_ = 0.0;
     double d_y_ = 0.0;
+    // Nodes the array really holds. x_size() and y_size() hand out references that
+    // callers may assign through; every access stays within this count whatever
+    // they write there.
+    long long capacity_ = 0;
 };
