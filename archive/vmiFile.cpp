@@ -1,0 +1,125 @@
+#include "archive/vmiFile.h"
+
+#include "archive/vmiArchiveElement.h"
+#include "archive/vmiReadObserver.h"
+#include "host/qozUnZip.h"
+
+vmiFile::vmiFile() = default;
+
+vmiFile::~vmiFile()
+{
+    // The node tree (root_) and the contour records it owns are released here
+    // once the tree exists; until then root_ stays null.
+    catalogue_.free();
+    archive_.free();
+}
+
+int vmiFile::num_objects() const
+{
+    return root_ ? 1 : 0;
+}
+
+int vmiFile::read(utString file_name)
+{
+    qozUnZip unzip;
+    if (!unzip.open(file_name))
+        return 0;
+    while (unzip.next_archive()) {
+        utString name = unzip.archive_name();
+        int type = 0;
+        int indx = check_arhive_file_name(name, type);
+        qozUnZipStreamBuf buf(unzip);
+        std::istream in(&buf);
+        if (type == 2)
+            read_catalogue_entry(in, name, indx, unzip.archive_size());
+        else if (type == 1)
+            read_data_entry(in, name, indx, unzip.archive_size());
+        else if (observer_)
+            observer_->entry(name, type, indx, unzip.archive_size(), nullptr, 0, 0);
+    }
+    // Data entries after the last catalogue have no catalogue to serve.
+    archive_.free();
+    return num_objects() > 0;
+}
+
+void vmiFile::read_catalogue_entry(std::istream& in, const utString& name, const int& indx,
+                                   std::int64_t stored_size)
+{
+    // A catalogue longer than the buffer is cut there without notice.
+    char* buf = new char[catalogue_buffer];
+    in.read(buf, catalogue_buffer);
+    int got = static_cast<int>(in.gcount());
+    if (observer_)
+        observer_->entry(name, 2, indx, stored_size, buf, got, 0);
+    if (got > 0)
+        archive_.add(new vmiArchiveElement(name, buf, got, 2, indx));
+    else
+        delete[] buf;
+    // Processed at once: it sees only the data entries before it, and those
+    // are gone for any later catalogue.
+    vlk_name_ = name;
+    vlk_indx_ = indx;
+    vlk_size_ = got;
+    proc_vlk();
+    catalogue_.free();
+    archive_.free();
+}
+
+void vmiFile::read_data_entry(std::istream& in, const utString& name, const int& indx,
+                              std::int64_t stored_size)
+{
+    int len = 0;
+    int chunks = 0;
+    char* buf = extract_all_ZIP(in, len, chunks);
+    if (observer_)
+        observer_->entry(name, 1, indx, stored_size, buf, len, chunks);
+    if (buf)
+        archive_.add(new vmiArchiveElement(name, buf, len, 1, indx));
+}
+
+int vmiFile::check_arhive_file_name(utString& name, int& type)
+{
+    type = 0;
+    const int n = name.length();
+    if (n > 4) {
+        const std::string ext = name.str().substr(static_cast<std::size_t>(n - 4));
+        if (ext == ".dat")
+            type = 1;
+        else if (ext == ".vlk")
+            type = 2;
+    }
+    if (n <= 9)
+        return 0;
+    // The five characters right before the extension carry the number.
+    return get_text_int(const_cast<char*>(name.data()) + (n - 9), 5);
+}
+
+int vmiFile::get_text_int(char* text, const int& count)
+{
+    if (count < 1 || !text)
+        return 0;
+    // Accumulated in unsigned arithmetic: a run of digits longer than an int
+    // holds wraps instead of overflowing.
+    unsigned value = 0;
+    for (int k = 0; k < count; ++k)
+        if (text[k] >= '0' && text[k] <= '9')
+            value = value * 10u + static_cast<unsigned>(text[k] - '0');
+    return static_cast<int>(value);
+}
+
+int vmiFile::get_text8_int(char* text)
+{
+    if (!text)
+        return 0;
+    // Only upper-case letters are digits: "0000000a" reads as 0.
+    std::uint32_t value = 0;
+    for (int k = 0; k < 8; ++k) {
+        const char c = text[k];
+        if (c >= '0' && c <= '9')
+            value = value * 16u + static_cast<std::uint32_t>(c - '0');
+        else if (c >= 'A' && c <= 'F')
+            value = value * 16u + static_cast<std::uint32_t>(c - 'A' + 10);
+    }
+    // Eight hexadecimal digits are a 32-bit signed size: "FFFFFFFF" is -1.
+    return static_cast<std::int32_t>(value);
+}

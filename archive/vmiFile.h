@@ -1,0 +1,155 @@
+#pragma once
+// vmiFile: the reader of a ".vlm" archive. It walks the ZIP's entries in
+// archive order, joins the compressed chunks of every data entry (".dat") into
+// one buffer kept in the archive directory, and parses every catalogue entry
+// (".vlk") at once against the data entries read before it. It also holds the
+// cursor over one data buffer that the record readers share.
+//
+// Split by concern: vmiFile.cpp (reading the archive, entry names, numbers
+// from text), vmiFile_zip.cpp (the chunk chain of a data entry),
+// vmiFile_dat.cpp (the cursor readers and the height-grid record),
+// vmiFile_vlk.cpp (the catalogue parser).
+#include <cstdint>
+#include <istream>
+
+#include "archive/vmiArchiveDir.h"
+#include "archive/vmiVlk.h"
+#include "host/apByteOrderHandler.h"
+#include "host/utString.h"
+
+class vmiBaseGrid;
+class vmiNode;
+class vmiReadObserver;
+class vmiVlkElement;
+
+class vmiFile {
+public:
+    // A data entry's chain ends after this many chunks; the chunks read so
+    // far are kept. Real entries hold a handful.
+    static constexpr int max_chunks = 512;
+    // zlib cannot inflate one compressed byte into more than about 1032 bytes
+    // (a 258-byte match per two bits), so a chunk never gets more output room
+    // than its compressed bytes times this, plus inflate_slack for the stream's
+    // first bytes; a header that declares more is not believed.
+    static constexpr std::int64_t max_inflate_ratio = 1032;
+    static constexpr std::int64_t inflate_slack = 1024;
+    // The most bytes one data entry may produce. The largest record, a scan
+    // grid of vmiBaseGrid::max_nodes codes, needs 16 MiB; the chain ends once
+    // its chunks have produced this much.
+    static constexpr std::int64_t max_entry_bytes = std::int64_t(256) << 20;
+    // Compressed input is read in pieces of this size, so a header that
+    // declares more than the entry holds never allocates what is not there.
+    static constexpr std::int64_t input_piece = std::int64_t(1) << 20;
+    // The catalogue is read into a buffer of this size; a longer one is cut.
+    static constexpr int catalogue_buffer = 10000;
+
+    vmiFile();
+    ~vmiFile();
+    vmiFile(const vmiFile&) = delete;
+    vmiFile& operator=(const vmiFile&) = delete;
+
+    // Reads the archive; 1 when a root node exists afterwards, else 0.
+    int read(utString file_name);
+    // 1 when a root node exists, else 0.
+    int num_objects() const;
+    // A listener told of every entry and every catalogue while read walks the
+    // archive (the inspect tool); null (the default) for none. Not owned.
+    void set_observer(vmiReadObserver* observer) { observer_ = observer; }
+
+    // Entry kind from the name's extension (1 ".dat", 2 ".vlk", 0 other) into
+    // type; returns the entry's number from the five characters before it.
+    int check_arhive_file_name(utString& name, int& type);
+    // Decimal digits among count characters; every other character is skipped.
+    int get_text_int(char* text, const int& count);
+    // Hexadecimal digits (0-9, upper-case A-F) among exactly 8 characters,
+    // as a 32-bit signed value; every other character is skipped.
+    int get_text8_int(char* text);
+
+    // The chunks of a data entry joined into a new buffer (new char[]), or
+    // null when no chunk produced a byte; its length in len.
+    char* extract_all_ZIP(std::istream& in, int& len);
+    // The same, also giving the number of chunks joined.
+    char* extract_all_ZIP(std::istream& in, int& len, int& chunks);
+    // As above with the bound on produced bytes given (tests use small ones).
+    char* join_chunks(std::istream& in, int& len, int& chunks, std::int64_t max_total);
+    // Output room for a chunk that declares decompressed size d and has c
+    // compressed bytes, with budget bytes left for the entry.
+    static std::int64_t chunk_capacity(std::int64_t c, std::int64_t d, std::int64_t budget);
+    // zlib_interface::ziUncompress; dst_len becomes the bytes produced.
+    int un_compress(char* src, int& src_len, char* dst, int& dst_len);
+
+    // The cursor over the current data buffer: readers never pass its end,
+    // yield 0 when the bytes are not there and then do not move.
+    void init_dat(char* buf, const int& len);
+    int byte();
+    int int16();
+    int int32();
+    float real32();
+    void pass(const int& n);
+    int is_end(const int& n);
+    // How far the cursor stands from the buffer's start.
+    int dat_offset() const { return static_cast<int>(pos_ - start_); }
+
+    // A height-grid record at the cursor (right behind its magic), or null.
+    vmiBaseGrid* create_base_grid();
+    // The height grid of data entry indx (behind its 4-byte magic), or null.
+    vmiBaseGrid* get_base_grid(const int& indx);
+
+    // The catalogue parser over the catalogue entry (type 2, number 0).
+    void proc_vlk();
+    // Points the catalogue cursor at len bytes of text.
+    void init_vlk(char* buf, const int& len);
+    vmiVlkElement* proc_vlk_level1_2(const int& level);
+    vmiVlkElement* proc_vlk_level3();
+    char* get_vlk_el(int& len);
+    int get_vlk_int();
+    utString get_vlk_str();
+    void pass_vlk(const int& n);
+    void pass_vlk_str();
+    int is_vlk_char(const char& c);
+    int is_vlk_end();
+
+    // The entries read since the last catalogue, and the records of the
+    // catalogue being processed.
+    vmiArchiveDir& archive() { return archive_; }
+    vmiVlk& catalogue() { return catalogue_; }
+
+private:
+    struct vlk_outcome {
+        bool found = false;      // the catalogue element (type 2, number 0) exists
+        bool separator = false;  // its "-" line was met, so records were read
+    };
+    vlk_outcome parse_vlk();
+    void read_catalogue_entry(std::istream& in, const utString& name, const int& indx,
+                              std::int64_t stored_size);
+    void read_data_entry(std::istream& in, const utString& name, const int& indx,
+                         std::int64_t stored_size);
+    // The node tree is built here from the parsed catalogue records (with the
+    // root and the current level-1 node surviving from one catalogue to the
+    // next). It does not exist yet: today this builds nothing, so read
+    // reports 0 for every archive.
+    void build_nodes_from_catalogue();
+
+    [[maybe_unused]] int unused_ = 0;
+    [[maybe_unused]] int scan_data_offset_ = 0;
+    [[maybe_unused]] int contour_counter_ = 0;
+    apByteOrderHandler byte_order_{0, 0};
+    char* pos_ = nullptr;
+    char* start_ = nullptr;
+    char* end_ = nullptr;
+    int len_ = 0;
+    vmiArchiveDir archive_;
+    vmiVlk catalogue_;
+    char* vlk_pos_ = nullptr;
+    char* vlk_end_ = nullptr;
+    // Root of the node tree and the current level-1 group: null until the
+    // node tree is built from the catalogue (build_nodes_from_catalogue).
+    // The contour records the tree owns will live beside them.
+    vmiNode* root_ = nullptr;
+    [[maybe_unused]] vmiNode* current_level1_ = nullptr;
+    vmiReadObserver* observer_ = nullptr;
+    // The catalogue entry being processed, for the observer.
+    utString vlk_name_;
+    int vlk_indx_ = 0;
+    int vlk_size_ = 0;
+};
