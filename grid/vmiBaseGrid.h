@@ -106,6 +106,9 @@ private:
     m03DPoint& line_node(int k, int fixed, bool along_x);
     // Writes z into dst's node k of that line, with x and y of this grid's node.
     void put_line_z(vmiBaseGrid* dst, int k, int fixed, bool along_x, const double& z);
+    // Writes the wall and floor points of row j (crossings c) for make_closed_solid;
+    // false when the row has no surface stretch and does not count.
+    bool close_row(const int* c, const int& j);
     // Releases the array and leaves a 0 x 0 grid.
     void make_empty();
 
