@@ -3,6 +3,7 @@
 // interpolating spline through the given points and the spline's polyline
 // approximation (tolerance 0.5); it owns both.
 #include "archive/vmiObjAttr.h"
+#include "host/rnxNurbCurve3.h"
 
 class m03DVector;
 class m03SplineCurve;
@@ -23,6 +24,9 @@ public:
     m03SplineCurve* spline() { return spline_; }
     // The approximation points (the only point vector the record keeps).
     m03DVector* approximation() { return approximation_; }
+    // Fills c with the spline's NURBS form; leaves c untouched without a
+    // spline (or when the spline has no such form).
+    void nurb(rnxCurvePtr3& c);
     // Bounding box of the approximation points; invalid when there are none.
     giBox3 box() const;
 

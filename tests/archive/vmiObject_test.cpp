@@ -1,0 +1,208 @@
+// Object records and the vmiObject handle: types, forwarding, boxes, ownership.
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "archive/vmiObjCloud.h"
+#include "archive/vmiObjGrid.h"
+#include "archive/vmiObjPoly.h"
+#include "archive/vmiObjSpline.h"
+#include "archive/vmiObject.h"
+#include "curves/m03DVector.h"
+#include "grid/vmiBaseGrid.h"
+#include "host/rnxNurbCurve3.h"
+
+namespace {
+
+m03DVector* make_points(std::initializer_list<m03DPoint> pts)
+{
+    m03DVector* v = new m03DVector(static_cast<int>(pts.size()));
+    int i = 0;
+    for (const m03DPoint& p : pts)
+        v->set_point(i++, p);
+    return v;
+}
+
+}  // namespace
+
+TEST(vmiObjSpline, FromNullVector_HasNoSplineNoApproximationInvalidBoxAndNurbLeavesPointer)
+{
+    vmiObjSpline s(utString("none"), nullptr);
+    EXPECT_EQ(s.spline(), nullptr);
+    EXPECT_EQ(s.approximation(), nullptr);
+    EXPECT_FALSE(s.box().is_valid());
+    auto marker = std::make_shared<rnxNurbCurve3>(2, 2);
+    rnxCurvePtr3 c = marker;
+    s.nurb(c);
+    EXPECT_EQ(c.get(), marker.get());
+    EXPECT_EQ(s.name(), utString("none"));
+}
+
+TEST(vmiObjSpline, FromEmptyVector_HasNoSplineNoApproximationInvalidBoxAndNurbLeavesPointer)
+{
+    vmiObjSpline s(utString("empty"), new m03DVector(0));
+    EXPECT_EQ(s.spline(), nullptr);
+    EXPECT_EQ(s.approximation(), nullptr);
+    EXPECT_FALSE(s.box().is_valid());
+    rnxCurvePtr3 c;
+    s.nurb(c);
+    EXPECT_EQ(c, nullptr);
+}
+
+TEST(vmiObjSpline, FromPoints_KeepsApproximationThroughEndsAndBoxOfIt)
+{
+    vmiObjSpline s(utString("arc"), make_points({{0, 0, 0}, {10, 5, 0}, {20, 0, 0}}));
+    ASSERT_NE(s.spline(), nullptr);
+    ASSERT_NE(s.approximation(), nullptr);
+    m03DVector* a = s.approximation();
+    ASSERT_GE(a->size(), 3);
+    EXPECT_DOUBLE_EQ(a->point(0).x(), 0.0);
+    EXPECT_DOUBLE_EQ(a->point(a->size() - 1).x(), 20.0);
+    giBox3 box = s.box();
+    ASSERT_TRUE(box.is_valid());
+    EXPECT_DOUBLE_EQ(box.min().x(), 0.0);
+    EXPECT_DOUBLE_EQ(box.max().x(), 20.0);
+    EXPECT_GE(box.max().y(), 5.0);
+    rnxCurvePtr3 c;
+    s.nurb(c);
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(c->order(), 4);
+    EXPECT_EQ(c->num_points(), 7);
+}
+
+TEST(vmiObjSpline, ApproximationToleranceIsHalfAUnit)
+{
+    EXPECT_EQ(vmiObjSpline::approximation_tolerance, 0.5);
+}
+
+TEST(vmiObject, SettersOnObjectWithoutRecordDoNothing)
+{
+    vmiObject o(static_cast<vmiObjPoly*>(nullptr));
+    EXPECT_EQ(o.type(), 2);
+    o.name(utString("n"));
+    o.layer_name(utString("l"));
+    o.level(7);
+    EXPECT_TRUE(o.name().empty());
+    EXPECT_TRUE(o.layer_name().empty());
+    EXPECT_EQ(o.level(), 0);
+    EXPECT_EQ(o.polyline(), nullptr);
+    EXPECT_FALSE(o.box().is_valid());
+}
+
+TEST(vmiObject, SettersOnObjectOfUnknownTypeDoNothing)
+{
+    vmiObject o;
+    EXPECT_NE(o.type(), 1);
+    EXPECT_NE(o.type(), 2);
+    EXPECT_NE(o.type(), 3);
+    EXPECT_NE(o.type(), 5);
+    o.name(utString("n"));
+    o.layer_name(utString("l"));
+    o.level(7);
+    EXPECT_TRUE(o.name().empty());
+    EXPECT_TRUE(o.layer_name().empty());
+    EXPECT_EQ(o.level(), 0);
+    EXPECT_EQ(o.attributes(), nullptr);
+    EXPECT_FALSE(o.box().is_valid());
+}
+
+TEST(vmiObject, SettersForwardToRecordAttributes)
+{
+    vmiObjPoly* p = new vmiObjPoly(utString("a"), make_points({{0, 0, 0}}));
+    vmiObject o(p);
+    o.name(utString("b"));
+    o.layer_name(utString("L"));
+    o.level(20);
+    EXPECT_EQ(p->name(), utString("b"));
+    EXPECT_EQ(p->layer_name(), utString("L"));
+    EXPECT_EQ(p->level(), 20);
+    EXPECT_EQ(o.name(), utString("b"));
+    EXPECT_EQ(o.level(), 20);
+    EXPECT_EQ(o.data_offset(), 0);
+}
+
+TEST(vmiObject, GridOnPolylineObjectAndEachOtherMismatchReturnNull)
+{
+    vmiObject grid(new vmiObjGrid(utString("g"), new vmiBaseGrid(2, 2, 1.0, 1.0)));
+    vmiObject poly(new vmiObjPoly(utString("p"), make_points({{0, 0, 0}})));
+    vmiObject cloud(new vmiObjCloud(utString("c"), new m03DPoint[1], new int[1]{5}, 1));
+    vmiObject spline(new vmiObjSpline(utString("s"), nullptr));
+    EXPECT_EQ(grid.type(), 1);
+    EXPECT_EQ(poly.type(), 2);
+    EXPECT_EQ(cloud.type(), 3);
+    EXPECT_EQ(spline.type(), 5);
+
+    EXPECT_NE(grid.grid(), nullptr);
+    EXPECT_EQ(grid.polyline(), nullptr);
+    EXPECT_EQ(grid.cloud(), nullptr);
+    EXPECT_EQ(grid.spline(), nullptr);
+
+    EXPECT_EQ(poly.grid(), nullptr);
+    EXPECT_NE(poly.polyline(), nullptr);
+    EXPECT_EQ(poly.cloud(), nullptr);
+    EXPECT_EQ(poly.spline(), nullptr);
+
+    EXPECT_EQ(cloud.grid(), nullptr);
+    EXPECT_EQ(cloud.polyline(), nullptr);
+    EXPECT_NE(cloud.cloud(), nullptr);
+    EXPECT_EQ(cloud.spline(), nullptr);
+
+    EXPECT_EQ(spline.grid(), nullptr);
+    EXPECT_EQ(spline.polyline(), nullptr);
+    EXPECT_EQ(spline.cloud(), nullptr);
+    EXPECT_NE(spline.spline(), nullptr);
+}
+
+TEST(vmiObjGrid, ForwardsGeometryAndBoxToItsGrid)
+{
+    m03DPoint* pts = new m03DPoint[6];
+    for (int j = 0; j < 2; ++j)
+        for (int i = 0; i < 3; ++i)
+            pts[j * 3 + i] = m03DPoint(i * 2.0, j * 5.0, 1.0 + i + j);
+    vmiObjGrid g(utString("scan"), pts, 3, 2, 2.0, 5.0);
+    EXPECT_EQ(g.x_size(), 3);
+    EXPECT_EQ(g.y_size(), 2);
+    EXPECT_EQ(g.d_x(), 2.0);
+    EXPECT_EQ(g.d_y(), 5.0);
+    EXPECT_EQ(g.points_array(), pts);
+    giBox3 box = g.box();
+    EXPECT_EQ(box.min(), giPoint3(0, 0, 1));
+    EXPECT_EQ(box.max(), giPoint3(4, 5, 4));
+}
+
+TEST(vmiObjGrid, WithoutGridAnswersZeroAndInvalidBox)
+{
+    vmiObjGrid g(utString("none"), static_cast<vmiBaseGrid*>(nullptr));
+    EXPECT_EQ(g.x_size(), 0);
+    EXPECT_EQ(g.points_array(), nullptr);
+    EXPECT_FALSE(g.box().is_valid());
+}
+
+TEST(vmiObjPoly, BoxIsBoundingBoxOfPoints)
+{
+    vmiObject o(new vmiObjPoly(utString("p"), make_points({{1, -2, 3}, {-4, 5, 0}})));
+    giBox3 box = o.box();
+    EXPECT_EQ(box.min(), giPoint3(-4, -2, 0));
+    EXPECT_EQ(box.max(), giPoint3(1, 5, 3));
+}
+
+TEST(vmiObjCloud, BoxAndArraysOfCloud)
+{
+    m03DPoint* pts = new m03DPoint[2]{{1, 1, 1}, {3, -1, 2}};
+    int* colours = new int[2]{0x102030, 0x405060};
+    vmiObjCloud c(utString("img"), pts, colours, 2);
+    EXPECT_EQ(c.size(), 2);
+    EXPECT_EQ(c.points_array(), pts);
+    EXPECT_EQ(c.colour_array()[1], 0x405060);
+    EXPECT_EQ(c.box().min(), giPoint3(1, -1, 1));
+    EXPECT_EQ(c.box().max(), giPoint3(3, 1, 2));
+}
+
+TEST(vmiObjAttr, DefaultsAreZeroAndEmpty)
+{
+    vmiObjPoly p(utString("n"), nullptr);
+    EXPECT_EQ(p.level(), 0);
+    EXPECT_EQ(p.colour(), 0);
+    EXPECT_TRUE(p.layer_name().empty());
+    EXPECT_FALSE(p.box().is_valid());
+}
