@@ -143,6 +143,14 @@ void InspectCommand::write_json(const ArchiveListing& listing, std::ostream& out
 
 namespace {
 
+// Width of a cell on a terminal: UTF-8 continuation bytes take no column.
+std::size_t display_width(const std::string& s)
+{
+    std::size_t n = 0;
+    for (char c : s) n += (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+    return n;
+}
+
 // A table cell per column, right-aligned for numbers.
 struct Column {
     std::string title;
@@ -154,13 +162,13 @@ void write_rows(const std::vector<Column>& columns, const std::vector<std::vecto
 {
     std::vector<std::size_t> width(columns.size());
     for (std::size_t c = 0; c < columns.size(); ++c) {
-        width[c] = columns[c].title.size();
-        for (const auto& row : rows) width[c] = std::max(width[c], row[c].size());
+        width[c] = display_width(columns[c].title);
+        for (const auto& row : rows) width[c] = std::max(width[c], display_width(row[c]));
     }
     const auto line = [&](const std::vector<std::string>& cells) {
         std::string text = " ";
         for (std::size_t c = 0; c < cells.size(); ++c) {
-            const std::string pad(width[c] - cells[c].size(), ' ');
+            const std::string pad(width[c] - display_width(cells[c]), ' ');
             text += ' ';
             text += columns[c].right ? pad + cells[c] : cells[c] + pad;
         }
