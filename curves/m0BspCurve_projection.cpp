@@ -1,0 +1,92 @@
+// m0BspCurve: projection of a point onto the curve by chord bisection.
+#include "curves/m0BspCurve.h"
+
+namespace {
+
+// The bisection goes on while the chord is at least this long (squared) and
+// the parameter range at least this wide; an unbroken range whose end points
+// meet this closely is a closed loop and is searched in two halves.
+constexpr double kProjectionMinChord2 = 1e-6;
+constexpr double kProjectionMinRange = 1e-6;
+// A chord shorter than this gives its start parameter.
+constexpr double kProjectionMinChord = 1e-10;
+// Each level halves the parameter range, so any range of finite doubles has
+// come down to kProjectionMinRange after some 1050 levels; a range whose
+// halving no longer moves (its ends a few ulps apart on a fast curve) stops
+// at once. The bound only guards the rounding corner cases in between.
+constexpr int kMaxProjectionLevels = 1100;
+
+}  // namespace
+
+double m0BspCurve::projection(const m03DPoint& q) const
+{
+    double ta = 0.0;
+    double tb = 1.0;
+    if (closed_) {
+        ta = 0.0;
+        tb = 1.0;
+    } else if (extended_) {
+        ta = -1.0;
+        tb = 2.0;
+    } else {
+        if (!evaluable())
+            return 0.0;
+        ta = knot_vector_->point(0);
+        tb = knot_vector_->point(knot_count() - 1);
+    }
+    const m03DPoint pa = point(ta);
+    const m03DPoint pb = point(tb);
+    if ((pa - pb).module2() >= kProjectionMinChord2)
+        return projection0(q, ta, pa, tb, pb);
+    // The ends meet: a closed loop, searched in two halves.
+    const double tm = (ta + tb) / 2;
+    const m03DPoint pm = point(tm);
+    const double t1 = projection0(q, ta, pa, tm, pm);
+    const double t2 = projection0(q, tm, pm, tb, pb);
+    // Ties go to the second half.
+    if ((point(t2) - q).module2() > (point(t1) - q).module2())
+        return t1;
+    return t2;
+}
+
+// The search the text describes as recursion, run as a loop: each level keeps
+// the half whose chord passes nearer q, or the middle half when both are
+// exactly as near; at the end the parameter is interpolated along the chord.
+double m0BspCurve::projection0(const m03DPoint& q, double t0, m03DPoint p0, double t1,
+                               m03DPoint p1) const
+{
+    for (int level = 0; level < kMaxProjectionLevels; level++) {
+        if (!((p0 - p1).module2() >= kProjectionMinChord2 && t1 - t0 >= kProjectionMinRange))
+            break;
+        const double tm = (t0 + t1) * 0.5;
+        if (!(tm > t0 && tm < t1))
+            break;
+        m03DPoint pm = point(tm);
+        const double d0 = q.min_dist(p0, pm);
+        const double d1 = q.min_dist(pm, p1);
+        if (d0 == d1) {
+            const double ta = (tm + t0) * 0.5;
+            const double tb = (tm + t1) * 0.5;
+            t0 = ta;
+            p0 = point(ta);
+            t1 = tb;
+            p1 = point(tb);
+        } else if (d1 > d0) {
+            t1 = tm;
+            p1 = pm;
+        } else {
+            t0 = tm;
+            p0 = pm;
+        }
+    }
+    const double len = (p0 - p1).module();
+    if (len < kProjectionMinChord)
+        return t0;
+    const m03DPoint c = q.min_dist_point(p0, p1);
+    return t0 + (c - p0).module() * (t1 - t0) / len;
+}
+
+m03DPoint m0BspCurve::min_dist_point(const m03DPoint& q) const
+{
+    return point(projection(q));
+}
