@@ -1,0 +1,315 @@
+// Whole-grid operations of vmiBaseGrid: local averaging, lowering, refinement,
+// adding point heights, trimming to the insole outline and closing the solid.
+#include "grid/vmiBaseGrid.h"
+
+#include "contour/vmiPolylineGridMap.h"
+#include "curves/m03DVector.h"
+
+#include <algorithm>
+#include <climits>
+#include <memory>
+
+namespace {
+
+constexpr double empty_z = -10000.0;
+constexpr double valid_z = -1000.0;
+// Closing the solid: the floor points lie at floor_z, and a node counts as
+// standing above the floor when it is higher than high_z. Both are part of the
+// design and differ on purpose.
+constexpr double floor_z = 0.001;
+constexpr double high_z = 0.01;
+// The closing scan never looks below this column: the walls and the floor are
+// written into columns 0 ... 9, which the grid keeps empty for them.
+constexpr int solid_margin = 10;
+
+// Node reads of one smoothing pass over nodes with radius r.
+long long smoothing_reads(long long nodes, int x_size, int y_size, int r)
+{
+    if (r < 1)
+        return 0;
+    long long w = std::min<long long>(2LL * r - 1, x_size);
+    long long h = std::min<long long>(2LL * r - 1, y_size);
+    return nodes * w * h;
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+// Local mean and smoothing
+
+double vmiBaseGrid::everage_height(vmiPolylineGridMap& map, const int& i, const int& j, const int& r)
+{
+    // As the plain mean, counting only nodes inside the outline.
+    long long lo_i = std::max(static_cast<long long>(i) - (static_cast<long long>(r) - 1), 0LL);
+    long long hi_i = std::min(static_cast<long long>(i) + r, static_cast<long long>(x_size_));
+    long long lo_j = std::max(static_cast<long long>(j) - (static_cast<long long>(r) - 1), 0LL);
+    long long hi_j = std::min(static_cast<long long>(j) + r, static_cast<long long>(y_size_));
+    if (lo_j >= hi_j)
+        return 0.0;
+    double sum = 0.0;
+    int count = 0;
+    for (int a = static_cast<int>(lo_i); a < hi_i; a++)
+        for (int b = static_cast<int>(lo_j); b < hi_j; b++) {
+            double z = point(a, b).z();
+            if (map.is_inside_the_cros_map(a, b) && z > valid_z) {
+                sum += z;
+                count++;
+            }
+        }
+    return count == 0 ? 0.0 : sum / count;
+}
+
+void vmiBaseGrid::do_smoothing(const int& r)
+{
+    if (smoothing_reads(capacity_, x_size_, y_size_, r) > max_smoothing_reads)
+        return;
+    // Every mean reads the unsmoothed heights of the copy.
+    vmiBaseGrid copy(*this);
+    if (copy.capacity_ != capacity_)
+        return;
+    for (int i = 0; i < x_size_; i++)
+        for (int j = 0; j < y_size_; j++)
+            if (point(i, j).z() > valid_z)
+                set_z(i, j, copy.everage_height(i, j, r));
+}
+
+void vmiBaseGrid::do_smoothing(const int& r, vmiPolylineGridMap& map)
+{
+    if (smoothing_reads(capacity_, x_size_, y_size_, r) > max_smoothing_reads)
+        return;
+    vmiBaseGrid copy(*this);
+    if (copy.capacity_ != capacity_)
+        return;
+    const int first = std::max(map.y_min(), 0);
+    const int last = std::min(map.y_max(), y_size_ - 1);
+    for (int j = first; j <= last; j++) {
+        const int* c = map.get_y_intersections(j);
+        if (c == nullptr || c[0] <= 1)
+            continue;
+        // Inside intervals are k = 1, 3, ...; unlike the modifiers, smoothing
+        // takes the closing crossing node too: kept as designed.
+        for (int k = 1; k < c[0]; k += 2) {
+            const int from = std::max(c[k], 0);
+            const int to = std::min(c[k + 1], x_size_ - 1);
+            for (int i = from; i <= to; i++)
+                set_z(i, j, copy.everage_height(map, i, j, r));
+        }
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Lowering, refinement, adding heights
+
+void vmiBaseGrid::do_HAbzug(const double& d)
+{
+    // Empty nodes are lowered too; at -10000 - d they still count as empty.
+    for (int j = 0; j < y_size_; j++)
+        for (int i = 0; i < x_size_; i++)
+            set_z(i, j, point(i, j).z() - d);
+}
+
+vmiBaseGrid* vmiBaseGrid::doubled(vmiBaseGrid& src)
+{
+    const int xs = src.x_size_;
+    const int ys = src.y_size_;
+    // Sizes that cannot double within an int give an empty grid.
+    auto twice_less_one = [](int n) {
+        long long v = 2LL * n - 1;
+        return v > INT_MAX ? -1 : static_cast<int>(v);
+    };
+    const double half_x = src.d_x_ * 0.5;
+    const double half_y = src.d_y_ * 0.5;
+    auto* g = new vmiBaseGrid(twice_less_one(xs), twice_less_one(ys), half_x, half_y);
+    // Since middle() gives its first point, each source node fills a block of
+    // two columns and two rows, its own x and y included: kept as designed.
+    m03DPoint B;  // the last source point read; stays (0, 0, 0) for one column
+    for (int j = 0; j < ys; j++) {
+        for (int i = 0; i < xs - 1; i++) {
+            m03DPoint A = src.point(i, j);
+            g->point(2 * i, 2 * j, A);
+            if (j > 0)
+                g->point(2 * i, 2 * j - 1, middle(A, g->point(2 * i, 2 * j - 2)));
+            B = src.point(i + 1, j);
+            m03DPoint M = middle(A, B);
+            g->point(2 * i + 1, 2 * j, M);
+            if (j > 0)
+                g->point(2 * i + 1, 2 * j - 1, middle(M, g->point(2 * i + 1, 2 * j - 2)));
+        }
+        const int last = 2 * xs - 2;
+        g->point(last, 2 * j, B);
+        if (j > 0)
+            g->point(last, 2 * j - 1, middle(B, g->point(last, 2 * j - 2)));
+    }
+    return g;
+}
+
+vmiBaseGrid* vmiBaseGrid::doubled()
+{
+    return doubled(*this);
+}
+
+void vmiBaseGrid::drop(m03DPoint* pts, const int& n)
+{
+    if (pts == nullptr || n < 1)
+        return;
+    for (int k = 0; k < n; k++) {
+        const m03DPoint& p = pts[k];
+        if (!(p.z() > empty_z))
+            continue;
+        const int i = intf(p.x() / d_x_);
+        const int j = intf(p.y() / d_y_);
+        // Negative indices are left to point(): the read sees the fallback and
+        // the write is dropped.
+        if (i < x_size_ && j < y_size_)
+            set_z(i, j, point(i, j).z() + p.z());
+    }
+}
+
+void vmiBaseGrid::drop(vmiBaseGrid& other)
+{
+    long long n = std::min(static_cast<long long>(other.x_size_) * other.y_size_, other.capacity_);
+    drop(other.points_array(), static_cast<int>(std::max(n, 0LL)));
+}
+
+// ---------------------------------------------------------------------------
+// Trimming to the outline
+
+void vmiBaseGrid::cut_boundary(vmiPolylineGridMap& map)
+{
+    const int y0 = std::max(std::min(map.y_min(), y_size_ - 1), 0);
+    const int y1 = std::max(std::min(map.y_max(), y_size_ - 1), 0);
+    fill_rect_y(0, y0, empty_z);
+    for (int j = y0; j <= y1; j++) {
+        int* c = map.get_y_intersections(j);
+        if (c == nullptr || c[0] == 0)
+            continue;
+        // A row touched only once lies on the outline's rim: nothing of it stays.
+        if (c[0] == 1)
+            fill_row(j, empty_z);
+        else
+            fill_row(c, j, empty_z, 0.2);
+    }
+    fill_rect_y(y1 + 1, y_size_, empty_z);
+}
+
+void vmiBaseGrid::cut_boundary(m03DVector* outline)
+{
+    vmiPolylineGridMap map(this, outline);
+    cut_boundary(map);
+}
+
+vmiBaseGrid* vmiBaseGrid::cut_boundary2(vmiPolylineGridMap& map)
+{
+    const int y0 = map.y_min();
+    const int y1 = map.y_max();
+    auto* g = new vmiBaseGrid(*this);
+    g->fill_rect_y(0, y0, empty_z);
+    for (int j = y0; j <= y1; j++) {
+        int* c = map.get_y_intersections(j);
+        if (c == nullptr)
+            continue;
+        if (c[0] >= 2)
+            fill_row2(g, c, j);
+        else if (c[0] == 1)
+            g->fill_row(j, empty_z);
+    }
+    g->fill_rect_y(y1 + 1, y_size_, empty_z);
+    // The columns go over what the rows wrote.
+    for (int i = map.x_min(); i <= map.x_max(); i++) {
+        int* c = map.get_x_intersections(i);
+        if (c != nullptr && c[0] >= 2)
+            fill_colm2(g, c, i);
+    }
+    return g;
+}
+
+// ---------------------------------------------------------------------------
+// Closing the solid
+
+bool vmiBaseGrid::close_row(const int* c, const int& j)
+{
+    // The surface of row j runs from its first valid node L to its last R.
+    int a = std::max(c[1], solid_margin);
+    int b = std::min(c[c[0]], x_size_ - 1);
+    m03DPoint L, R;
+    int found = b + 1;
+    for (int i = a; i <= b; i++)
+        if (point(i, j).z() > valid_z) {
+            found = i;
+            break;
+        }
+    a = found;
+    if (a <= b) {
+        L = point(a, j);
+        for (int i = b; i >= a; i--)
+            if (point(i, j).z() > valid_z) {
+                b = i;
+                break;
+            }
+        R = point(b, j);
+    }
+    bool all_high = true;
+    for (int i = a; i <= b; i++)
+        if (point(i, j).z() < high_z) {
+            all_high = false;
+            break;
+        }
+    if (a >= b)
+        return false;
+    const m03DPoint L_base(L.x(), L.y(), floor_z);
+    const m03DPoint R_base(R.x(), R.y(), floor_z);
+    if (L.z() > high_z) {
+        point(0, j, L_base);
+        point(1, j, L);
+        if (R.z() <= high_z)
+            return true;
+        // The floor only under a row that stands wholly above it.
+        if (all_high) {
+            point(4, j, R_base);
+            point(5, j, L_base);
+        }
+    }
+    if (R.z() > high_z) {
+        point(8, j, R);
+        point(9, j, R_base);
+    }
+    return true;
+}
+
+void vmiBaseGrid::make_closed_solid(vmiPolylineGridMap& map)
+{
+    cut_boundary(map);
+    int min_row = 10000;
+    int max_row = -10000;
+    for (int j = map.y_min(); j <= map.y_max(); j++) {
+        const int* c = map.get_y_intersections(j);
+        if (c == nullptr || c[0] <= 1)
+            continue;
+        if (!close_row(c, j))
+            continue;
+        max_row = std::max(max_row, j);
+        min_row = std::min(min_row, j);
+    }
+    // End caps: the rows before the first and after the last closed row take
+    // the right wall of that row as their left wall.
+    m03DPoint A = point(8, min_row);
+    m03DPoint B = point(9, min_row);
+    if (A.z() > high_z) {
+        point(0, min_row - 1, B);
+        point(1, min_row - 1, A);
+    }
+    A = point(8, max_row);
+    B = point(9, max_row);
+    if (A.z() > high_z) {
+        point(0, max_row + 1, B);
+        point(1, max_row + 1, A);
+    }
+}
+
+void vmiBaseGrid::make_closed_solid(m03DVector* outline)
+{
+    if (outline == nullptr)
+        return;
+    vmiPolylineGridMap map(this, outline);
+    make_closed_solid(map);
+}

@@ -1,0 +1,416 @@
+#include "grid/vmiBaseGrid.h"
+
+#include "contour/vmiPolylineGridMap.h"
+#include "curves/m03DVector.h"
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <memory>
+#include <vector>
+
+namespace {
+
+constexpr double E = -10000.0;
+
+void expect_point(const m03DPoint& p, double x, double y, double z)
+{
+    EXPECT_EQ(p.x(), x);
+    EXPECT_EQ(p.y(), y);
+    EXPECT_EQ(p.z(), z);
+}
+
+std::unique_ptr<m03DVector> polyline(std::initializer_list<m03DPoint> pts)
+{
+    auto v = std::make_unique<m03DVector>(static_cast<int>(pts.size()));
+    int i = 0;
+    for (const m03DPoint& p : pts)
+        v->set_point(i++, p);
+    return v;
+}
+
+// A closed rectangle through lattice points (x0, y0) and (x1, y1), spacing 1.
+std::unique_ptr<m03DVector> rectangle(double x0, double y0, double x1, double y1)
+{
+    return polyline({{x0, y0, 0}, {x1, y0, 0}, {x1, y1, 0}, {x0, y1, 0}, {x0, y0, 0}});
+}
+
+std::unique_ptr<vmiBaseGrid> flat_grid(int x_size, int y_size, double z)
+{
+    auto g = std::make_unique<vmiBaseGrid>(x_size, y_size, 1.0, 1.0);
+    for (int j = 0; j < y_size; j++)
+        for (int i = 0; i < x_size; i++)
+            g->set_z(i, j, z);
+    return g;
+}
+
+std::vector<double> row_z(vmiBaseGrid& g, int j)
+{
+    std::vector<double> z;
+    for (int i = 0; i < g.x_size(); i++)
+        z.push_back(g.point(i, j).z());
+    return z;
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+// Smoothing
+
+TEST(VmiBaseGridOps, DoSmoothing_RadiusOneLeavesEveryNodeUnchanged)
+{
+    vmiBaseGrid g(4, 3, 1.0, 1.0);
+    for (int j = 0; j < 3; j++)
+        for (int i = 0; i < 4; i++)
+            if ((i + j) % 3 != 0)
+                g.set_z(i, j, 1.0 + i * 0.7 + j * 1.3);
+    vmiBaseGrid before(g);
+    g.do_smoothing(1);
+    for (int j = 0; j < 3; j++)
+        for (int i = 0; i < 4; i++)
+            EXPECT_TRUE(g.point(i, j) == before.point(i, j)) << i << "," << j;
+}
+
+TEST(VmiBaseGridOps, DoSmoothing_SingleValidNodeAmongEmptyKeepsHeight)
+{
+    vmiBaseGrid g(5, 5, 1.0, 1.0);
+    g.set_z(2, 2, 7.25);
+    g.do_smoothing(2);
+    EXPECT_EQ(g.point(2, 2).z(), 7.25);
+    EXPECT_EQ(g.point(1, 1).z(), E);  // empty nodes are not smoothed
+}
+
+TEST(VmiBaseGridOps, DoSmoothing_MeansReadUnsmoothedHeights)
+{
+    auto g = flat_grid(3, 1, 0.0);
+    g->set_z(1, 0, 3.0);
+    g->set_z(2, 0, 6.0);
+    g->do_smoothing(2);
+    // In place, node 1 would see the smoothed node 0 and give 3.5.
+    EXPECT_EQ(row_z(*g, 0), (std::vector<double>{1.5, 3.0, 4.5}));
+}
+
+TEST(VmiBaseGridOps, DoSmoothing_RadiusBeyondReadBoundLeavesGrid)
+{
+    // 10^6 nodes x 39 x 39 neighbours is more than max_smoothing_reads.
+    vmiBaseGrid g(1000, 1000, 1.0, 1.0);
+    g.set_z(10, 10, 5.0);
+    g.set_z(11, 10, 1.0);
+    ASSERT_GT(1000000LL * 39 * 39, vmiBaseGrid::max_smoothing_reads);
+    g.do_smoothing(20);
+    EXPECT_EQ(g.point(10, 10).z(), 5.0);
+    auto outline = rectangle(0, 0, 999, 999);
+    vmiPolylineGridMap map(&g, outline.get());
+    g.do_smoothing(20, map);
+    EXPECT_EQ(g.point(11, 10).z(), 1.0);
+    // Within the bound the pass runs.
+    vmiBaseGrid small(100, 100, 1.0, 1.0);
+    small.set_z(10, 10, 5.0);
+    small.set_z(11, 10, 1.0);
+    small.do_smoothing(20);
+    EXPECT_EQ(small.point(10, 10).z(), 3.0);
+}
+
+TEST(VmiBaseGridOps, DoSmoothingMap_InsideNodeWithoutValidInsideNeighbourBecomesZero)
+{
+    auto g = flat_grid(10, 10, E);
+    g->set_z(0, 4, 50.0);  // valid, but outside the outline
+    auto outline = rectangle(2, 2, 6, 6);
+    vmiPolylineGridMap map(g.get(), outline.get());
+    g->do_smoothing(2, map);
+    EXPECT_EQ(g->point(4, 4).z(), 0.0);
+    EXPECT_EQ(g->point(2, 4).z(), 0.0);
+    EXPECT_EQ(g->point(1, 4).z(), E);
+    EXPECT_EQ(g->point(0, 4).z(), 50.0);
+}
+
+TEST(VmiBaseGridOps, DoSmoothingMap_IncludesClosingCrossingNode)
+{
+    // Row crossings [2, 6]: nodes 2 ... 6 are smoothed, node 6 included,
+    // though the modifiers stop at 5.
+    auto g = flat_grid(10, 10, E);
+    auto outline = rectangle(2, 2, 6, 6);
+    vmiPolylineGridMap map(g.get(), outline.get());
+    g->do_smoothing(2, map);
+    EXPECT_EQ(row_z(*g, 4), (std::vector<double>{E, E, 0, 0, 0, 0, 0, E, E, E}));
+    EXPECT_EQ(row_z(*g, 7), (std::vector<double>(10, E)));
+}
+
+TEST(VmiBaseGridOps, EverageHeightMap_CountsOnlyNodesInsideOutline)
+{
+    auto g = flat_grid(10, 10, 100.0);
+    for (int j = 2; j <= 6; j++)
+        for (int i = 2; i <= 6; i++)
+            g->set_z(i, j, 1.0 + (i == 3 ? 1.0 : 0.0));
+    auto outline = rectangle(2, 2, 6, 6);
+    vmiPolylineGridMap map(g.get(), outline.get());
+    // Around (2, 4): columns 1 ... 3, rows 3 ... 5; column 1 lies outside.
+    EXPECT_EQ(g->everage_height(map, 2, 4, 2), 1.5);
+    EXPECT_EQ(g->everage_height(2, 4, 2), (3 * 100.0 + 3 * 1.0 + 3 * 2.0) / 9);
+    EXPECT_EQ(g->everage_height(map, 0, 0, 2), 0.0);
+}
+
+// ---------------------------------------------------------------------------
+// Lowering, refinement, adding heights
+
+TEST(VmiBaseGridOps, DoHAbzug_LowersEmptyNodesToo)
+{
+    vmiBaseGrid g(2, 1, 1.0, 1.0);
+    g.set_z(1, 0, 5.0);
+    g.do_HAbzug(2.0);
+    EXPECT_EQ(row_z(g, 0), (std::vector<double>{-10002.0, 3.0}));
+}
+
+TEST(VmiBaseGridOps, Doubled_CopiesNodesIntoTwoByTwoBlocks)
+{
+    vmiBaseGrid src(2, 2, 2.0, 4.0);
+    src.set_z(0, 0, 1.0);
+    src.set_z(1, 0, 2.0);
+    src.set_z(0, 1, 3.0);
+    src.set_z(1, 1, 4.0);
+    std::unique_ptr<vmiBaseGrid> g(src.doubled());
+    ASSERT_EQ(g->x_size(), 3);
+    ASSERT_EQ(g->y_size(), 3);
+    EXPECT_EQ(g->d_x(), 1.0);
+    EXPECT_EQ(g->d_y(), 2.0);
+    // No midpoints: node (1, 0) is a copy of src(0, 0), x and y included.
+    expect_point(g->point(0, 0), 0.0, 0.0, 1.0);
+    expect_point(g->point(1, 0), 0.0, 0.0, 1.0);
+    expect_point(g->point(2, 0), 2.0, 0.0, 2.0);
+    for (int j = 1; j <= 2; j++) {
+        expect_point(g->point(0, j), 0.0, 4.0, 3.0);
+        expect_point(g->point(1, j), 0.0, 4.0, 3.0);
+        expect_point(g->point(2, j), 2.0, 4.0, 4.0);
+    }
+}
+
+TEST(VmiBaseGridOps, Doubled_SingleColumnHoldsZeroPoints)
+{
+    vmiBaseGrid src(1, 2, 1.0, 1.0);
+    src.set_z(0, 0, 5.0);
+    src.set_z(0, 1, 6.0);
+    std::unique_ptr<vmiBaseGrid> g(src.doubled(src));
+    ASSERT_EQ(g->x_size(), 1);
+    ASSERT_EQ(g->y_size(), 3);
+    for (int j = 0; j < 3; j++)
+        expect_point(g->point(0, j), 0.0, 0.0, 0.0);
+}
+
+TEST(VmiBaseGridOps, Doubled_EmptyGridGivesEmptyGrid)
+{
+    vmiBaseGrid src(-1, 5, 1.0, 1.0);
+    std::unique_ptr<vmiBaseGrid> g(src.doubled());
+    ASSERT_NE(g, nullptr);
+    EXPECT_EQ(g->points_array(), nullptr);
+    EXPECT_EQ(g->x_size(), 0);
+}
+
+TEST(VmiBaseGridOps, Drop_AddsPointHeightsToNodes)
+{
+    vmiBaseGrid g(3, 3, 1.0, 1.0);
+    g.set_z(1, 1, 3.0);
+    m03DPoint pts[] = {
+        {1.2, 0.9, 2.0},   // onto node (1, 1)
+        {2.0, 2.0, 1.0},   // onto an empty node: it still adds
+        {0.0, 0.0, E},     // an empty point adds nothing
+        {3.0, 0.0, 9.0},   // column 3 lies beyond the grid
+        {-2.0, 0.0, 9.0},  // negative index: write dropped
+    };
+    g.drop(pts, 5);
+    expect_point(g.point(1, 1), 1.0, 1.0, 5.0);
+    EXPECT_EQ(g.point(2, 2).z(), -9999.0);
+    EXPECT_EQ(g.point(0, 0).z(), E);
+    expect_point(g.point(-2, 0), 0.0, 0.0, E);
+    g.drop(nullptr, 3);
+    g.drop(pts, 0);
+    EXPECT_EQ(g.point(1, 1).z(), 5.0);
+}
+
+TEST(VmiBaseGridOps, DropGrid_AddsOtherNodesValidHeights)
+{
+    vmiBaseGrid g(2, 2, 1.0, 1.0);
+    vmiBaseGrid o(2, 2, 1.0, 1.0);
+    g.set_z(0, 0, 1.0);
+    o.set_z(0, 0, 2.5);
+    g.drop(o);
+    EXPECT_EQ(g.point(0, 0).z(), 3.5);
+    EXPECT_EQ(g.point(1, 1).z(), E);
+}
+
+// ---------------------------------------------------------------------------
+// Trimming
+
+TEST(VmiBaseGridOps, CutBoundary_EmptiesOutsideAndFillsEmptyInside)
+{
+    auto g = flat_grid(20, 8, 1.0);
+    g->set_z(13, 3, E);
+    auto outline = rectangle(12, 2, 17, 5);
+    vmiPolylineGridMap map(g.get(), outline.get());
+    g->cut_boundary(map);
+    for (int j : {0, 1, 6, 7})
+        EXPECT_EQ(row_z(*g, j), (std::vector<double>(20, E))) << "row " << j;
+    std::vector<double> inside(20, E);
+    for (int i = 12; i <= 15; i++)
+        inside[i] = 1.0;
+    // The closing stretch is widened left: columns 16 and 17 are emptied.
+    EXPECT_EQ(row_z(*g, 2), inside);
+    inside[13] = 0.2;
+    EXPECT_EQ(row_z(*g, 3), inside);
+}
+
+TEST(VmiBaseGridOps, CutBoundary_RowWithOneCrossingEmptied)
+{
+    // A triangle whose apex (4, 4) touches row 4 once.
+    auto g = flat_grid(10, 6, 1.0);
+    auto outline = polyline({{0, 0, 0}, {4, 4, 0}, {8, 0, 0}, {0, 0, 0}});
+    vmiPolylineGridMap map(g.get(), outline.get());
+    ASSERT_NE(map.get_y_intersections(4), nullptr);
+    ASSERT_EQ(map.get_y_intersections(4)[0], 1);
+    g->cut_boundary(map);
+    EXPECT_EQ(row_z(*g, 4), (std::vector<double>(10, E)));
+    EXPECT_EQ(g->point(4, 2).z(), 1.0);
+}
+
+TEST(VmiBaseGridOps, CutBoundaryOutline_SameAsWithMap)
+{
+    auto a = flat_grid(20, 8, 1.0);
+    auto b = flat_grid(20, 8, 1.0);
+    auto outline = rectangle(12, 2, 17, 5);
+    vmiPolylineGridMap map(a.get(), outline.get());
+    a->cut_boundary(map);
+    b->cut_boundary(outline.get());
+    for (int j = 0; j < 8; j++)
+        EXPECT_EQ(row_z(*a, j), row_z(*b, j));
+}
+
+TEST(VmiBaseGridOps, CutBoundaryOutline_NullOutlineEmptiesGrid)
+{
+    // No outline, no inside: every row lies outside the (start) extremes.
+    auto g = flat_grid(4, 3, 1.0);
+    g->cut_boundary(static_cast<m03DVector*>(nullptr));
+    for (int j = 0; j < 3; j++)
+        EXPECT_EQ(row_z(*g, j), (std::vector<double>(4, E)));
+}
+
+TEST(VmiBaseGridOps, CutBoundary2_FillsGapsWithLocalMeanAndLeavesSourceAlone)
+{
+    vmiBaseGrid src(12, 7, 1.0, 1.0);
+    for (int j = 2; j <= 4; j++)
+        for (int i = 3; i <= 7; i++)
+            src.set_z(i, j, i + 10.0 * j);
+    vmiBaseGrid before(src);
+    auto outline = rectangle(1, 1, 9, 5);
+    vmiPolylineGridMap map(&src, outline.get());
+    std::unique_ptr<vmiBaseGrid> g(src.cut_boundary2(map));
+    // Rows: the gap before column 3 and from column 7 on take the means.
+    EXPECT_EQ(g->point(1, 2).z(), src.everage_height(3, 2, 2));
+    EXPECT_EQ(g->point(2, 3).z(), src.everage_height(3, 3, 2));
+    EXPECT_EQ(g->point(8, 3).z(), src.everage_height(7, 3, 2));
+    EXPECT_EQ(g->point(0, 3).z(), E);
+    EXPECT_EQ(g->point(9, 3).z(), E);
+    // Columns go over the rows: row 1 before the first valid row, row 4 from
+    // the last valid row on, row 5 emptied.
+    EXPECT_EQ(g->point(5, 1).z(), src.everage_height(5, 2, 2));
+    EXPECT_EQ(g->point(5, 4).z(), src.everage_height(5, 4, 2));
+    EXPECT_EQ(g->point(5, 5).z(), E);
+    EXPECT_EQ(g->point(5, 3).z(), 35.0);
+    EXPECT_EQ(row_z(*g, 0), (std::vector<double>(12, E)));
+    EXPECT_EQ(row_z(*g, 6), (std::vector<double>(12, E)));
+    for (int j = 0; j < 7; j++)
+        EXPECT_EQ(row_z(src, j), row_z(before, j));
+}
+
+// ---------------------------------------------------------------------------
+// Closing the solid
+
+class MakeClosedSolid : public ::testing::Test {
+protected:
+    // Rows 2 ... 5 hold a surface at columns 12 ... 15 after trimming.
+    void SetUp() override
+    {
+        grid = flat_grid(20, 8, 1.0);
+        for (int j = 2; j <= 5; j++)
+            for (int i = 12; i <= 17; i++)
+                grid->set_z(i, j, 2.0 + j + 0.25 * i);
+        outline = rectangle(12, 2, 17, 5);
+    }
+    m03DPoint at(int i, int j) { return grid->point(i, j); }
+
+    std::unique_ptr<vmiBaseGrid> grid;
+    std::unique_ptr<m03DVector> outline;
+};
+
+TEST_F(MakeClosedSolid, HighRow_WritesWallsAndFloor)
+{
+    grid->make_closed_solid(outline.get());
+    const double lz = 2.0 + 2 + 0.25 * 12, rz = 2.0 + 2 + 0.25 * 15;
+    expect_point(at(0, 2), 12.0, 2.0, 0.001);
+    expect_point(at(1, 2), 12.0, 2.0, lz);
+    expect_point(at(4, 2), 15.0, 2.0, 0.001);
+    expect_point(at(5, 2), 12.0, 2.0, 0.001);
+    expect_point(at(8, 2), 15.0, 2.0, rz);
+    expect_point(at(9, 2), 15.0, 2.0, 0.001);
+    EXPECT_EQ(at(2, 2).z(), E);
+}
+
+TEST_F(MakeClosedSolid, RowWithNodeBelowTestHeight_WallsButNoFloor)
+{
+    grid->set_z(13, 3, 0.005);
+    grid->make_closed_solid(outline.get());
+    EXPECT_EQ(at(0, 3).z(), 0.001);
+    EXPECT_GT(at(1, 3).z(), 0.01);
+    EXPECT_GT(at(8, 3).z(), 0.01);
+    EXPECT_EQ(at(9, 3).z(), 0.001);
+    EXPECT_EQ(at(4, 3).z(), E);
+    EXPECT_EQ(at(5, 3).z(), E);
+}
+
+TEST_F(MakeClosedSolid, LowRightEdge_OnlyLeftWall)
+{
+    grid->set_z(15, 4, 0.0);
+    grid->make_closed_solid(outline.get());
+    EXPECT_EQ(at(0, 4).z(), 0.001);
+    EXPECT_EQ(at(1, 4).z(), 2.0 + 4 + 0.25 * 12);
+    for (int i : {4, 5, 8, 9})
+        EXPECT_EQ(at(i, 4).z(), E) << i;
+}
+
+TEST_F(MakeClosedSolid, LeftEdgeAtTestHeight_OnlyRightWall)
+{
+    // 0.01 is not above the test height, yet not below it for the floor test.
+    grid->set_z(12, 5, 0.01);
+    grid->make_closed_solid(outline.get());
+    for (int i : {0, 1, 4, 5})
+        EXPECT_EQ(at(i, 5).z(), E) << i;
+    expect_point(at(8, 5), 15.0, 5.0, 2.0 + 5 + 0.25 * 15);
+    expect_point(at(9, 5), 15.0, 5.0, 0.001);
+}
+
+TEST_F(MakeClosedSolid, EndCapsTakeRightWallOfFirstAndLastRow)
+{
+    grid->make_closed_solid(outline.get());
+    expect_point(at(0, 1), 15.0, 2.0, 0.001);
+    expect_point(at(1, 1), 15.0, 2.0, 2.0 + 2 + 0.25 * 15);
+    expect_point(at(0, 6), 15.0, 5.0, 0.001);
+    expect_point(at(1, 6), 15.0, 5.0, 2.0 + 5 + 0.25 * 15);
+    EXPECT_EQ(at(0, 0).z(), E);
+    EXPECT_EQ(at(0, 7).z(), E);
+}
+
+TEST_F(MakeClosedSolid, NullOutlineDoesNothing)
+{
+    vmiBaseGrid before(*grid);
+    grid->make_closed_solid(static_cast<m03DVector*>(nullptr));
+    for (int j = 0; j < 8; j++)
+        EXPECT_EQ(row_z(*grid, j), row_z(before, j));
+}
+
+TEST_F(MakeClosedSolid, ScanNeverLooksBelowColumnTen)
+{
+    // An outline reaching column 2: the surface at 2 ... 9 is not taken as the
+    // left edge; the scan starts at column 10.
+    auto wide = rectangle(2, 2, 17, 5);
+    grid->make_closed_solid(wide.get());
+    EXPECT_EQ(at(1, 3).x(), 10.0);
+    EXPECT_EQ(at(0, 3).z(), 0.001);
+}
