@@ -106,6 +106,26 @@ def write_infozip(path, entries, level):
         shutil.rmtree(work)
 
 
+def check_statuses(checks, velmora, tmp):
+    """Exit statuses and diagnostics of the built command."""
+    status, out, err = vlmtest.run(velmora, "--version")
+    checks.check("--version", status == 0 and out.startswith(b"velmora "), repr((status, out)))
+    status, out, err = vlmtest.run(velmora)
+    checks.check("no command is wrong usage", status == 2 and err.count(b"\n") == 1, repr((status, err)))
+    status, out, err = vlmtest.run(velmora, "inspect", "--bogus", "x.vlm")
+    checks.check("unknown option is wrong usage", status == 2 and b"--bogus" in err, repr((status, err)))
+    missing = os.path.join(tmp, "missing.vlm")
+    status, out, err = vlmtest.run(velmora, "inspect", missing)
+    checks.equal("missing file status", status, 3)
+    checks.equal("missing file message", err, b"velmora: " + missing.encode() + b": no such file\n")
+    text = os.path.join(tmp, "text.vlm")
+    open(text, "wb").write(b"PK but not really a zip\n")
+    status, out, err = vlmtest.run(velmora, "inspect", "--json", text)
+    checks.equal("not a ZIP status", status, 3)
+    checks.equal("not a ZIP message", err, b"velmora: " + text.encode() + b": not a ZIP archive\n")
+    checks.equal("not a ZIP prints no listing", out, b"")
+
+
 def main():
     velmora = sys.argv[1]
     checks = vlmtest.Checks()
@@ -122,6 +142,7 @@ def main():
         "infozip_deflated": lambda p: write_infozip(p, entries, 9),
     }
     try:
+        check_statuses(checks, velmora, tmp)
         for tool, write in writers.items():
             path = os.path.join(tmp, tool + ".vlm")
             write(path)
