@@ -120,6 +120,10 @@ private:
     // c < count <= kMaxOrder and d <= max_der <= kMaxDerivative.
     static void basis_table(const double* knots, int nknots, int order, double t, int first,
                             int count, int max_der, double values[][kMaxOrder]);
+    // values[d][c] for the order functions of the span starting at first + order - 1,
+    // with only the band of non-zero entries computed where the knots allow.
+    static void span_table(const double* knots, int nknots, int order, double t, int first, int max_der,
+                           double values[][kMaxOrder]);
     // One entry of the table: the der-th derivative of N(i, order) at t.
     static double single_basis(const double* knots, int nknots, int order, double t, int i, int der);
 

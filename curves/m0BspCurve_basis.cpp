@@ -8,6 +8,8 @@
 // the table only avoids recomputing shared sub-values.
 #include "curves/m0BspCurve.h"
 
+#include <cmath>
+
 namespace {
 
 // A basis function N(i, order) reads the knots i .. i + order: an index
@@ -108,25 +110,63 @@ double m0BspCurve::basis_reference(const double* knots, const int& nknots, int o
                             basis_reference(knots, nknots, order - 1, t, i + 1, der - 1));
 }
 
-void m0BspCurve::basis_table(const double* knots, int nknots, int order, double t, int first,
-                             int count, int max_der, double values[][kMaxOrder])
+namespace {
+
+// The table rows for orders 1 .. order: level[r][c] = N(first + c, r), with
+// count + order - r entries at order r. Unchecked, every entry is known to
+// have its knots (the usual case inside a curve); checked, an entry without
+// them is 0.
+template <bool kChecked>
+void fill_levels(const double* knots, int nknots, int order, double t, int first, int count,
+                 double level[][2 * m0BspCurve::kMaxOrder])
 {
-    // level[r][c] = N(first + c, r); order r needs count + order - r entries.
-    double level[kMaxOrder + 1][2 * kMaxOrder];
     const int base_width = count + order - 1;
     for (int c = 0; c < base_width; c++) {
         const int q = first + c;
-        level[1][c] = basis_exists(nknots, 1, q) ? step_value(knots, nknots, t, q) : 0.0;
+        level[1][c] = (!kChecked || basis_exists(nknots, 1, q)) ? step_value(knots, nknots, t, q) : 0.0;
     }
     for (int r = 2; r <= order; r++) {
         const int width = count + order - r;
+        const double* lower = level[r - 1];
+        double* row = level[r];
         for (int c = 0; c < width; c++) {
             const int q = first + c;
-            level[r][c] = basis_exists(nknots, r, q)
-                              ? raise_value(knots, r, t, q, level[r - 1][c], level[r - 1][c + 1])
-                              : 0.0;
+            row[c] = (!kChecked || basis_exists(nknots, r, q))
+                         ? raise_value(knots, r, t, q, lower[c], lower[c + 1])
+                         : 0.0;
         }
     }
+}
+
+// der[c] holds the (d - (order - start))-th derivatives at order start; raises
+// them to the d-th derivatives at order order. In place: entry c reads c and
+// c + 1 of the order below, and c + 1 is not yet overwritten.
+template <bool kChecked>
+void raise_derivatives(const double* knots, int nknots, int order, int first, int count, int start,
+                       double* der)
+{
+    for (int r = start + 1; r <= order; r++) {
+        const int width = count + order - r;
+        for (int c = 0; c < width; c++) {
+            const int q = first + c;
+            der[c] = (!kChecked || basis_exists(nknots, r, q)) ? raise_derivative(knots, r, q, der[c], der[c + 1])
+                                                              : 0.0;
+        }
+    }
+}
+
+}  // namespace
+
+void m0BspCurve::basis_table(const double* knots, int nknots, int order, double t, int first,
+                             int count, int max_der, double values[][kMaxOrder])
+{
+    double level[kMaxOrder + 1][2 * kMaxOrder];
+    // The widest row, order 1, reaches knot first + count + order - 1.
+    const bool checked = first < 0 || first + count + order - 1 > nknots - 1;
+    if (checked)
+        fill_levels<true>(knots, nknots, order, t, first, count, level);
+    else
+        fill_levels<false>(knots, nknots, order, t, first, count, level);
     for (int c = 0; c < count; c++)
         values[0][c] = level[order][c];
 
@@ -140,21 +180,140 @@ void m0BspCurve::basis_table(const double* knots, int nknots, int order, double 
                 der[c] = level[start][c];
         } else {
             start = 1;
-            for (int c = 0; c < base_width; c++)
+            for (int c = 0; c < count + order - 1; c++)
                 der[c] = 0.0;
         }
-        for (int r = start + 1; r <= order; r++) {
-            const int width = count + order - r;
-            // In place: entry c reads c and c + 1 of the order below, and c + 1
-            // is not yet overwritten.
-            for (int c = 0; c < width; c++) {
-                const int q = first + c;
-                der[c] = basis_exists(nknots, r, q)
-                             ? raise_derivative(knots, r, q, der[c], der[c + 1])
-                             : 0.0;
-            }
-        }
+        if (checked)
+            raise_derivatives<true>(knots, nknots, order, first, count, start, der);
+        else
+            raise_derivatives<false>(knots, nknots, order, first, count, start, der);
         for (int c = 0; c < count; c++)
+            values[d][c] = der[c];
+    }
+}
+
+namespace {
+
+// The banded table applies when the span's knots first .. first + 2p + 1 all
+// exist, are finite and never decrease, and t lies inside span first + p
+// (not on the last knot). Then the order-1 row is 1 at the span and +0.0
+// elsewhere, and every entry of order r outside the band of the r functions
+// ending at the span is +0.0 as well: its two lower entries are +0.0, the
+// factors (t - knot) and (knot - t) have the signs their side of the span
+// gives them, the denominators are positive, and the two signed zeros add up
+// to +0.0. So are the derivatives there. Only the band is computed, each entry
+// by the recursion's own expression; at the band's edges the term over an
+// outside entry is that +0.0.
+bool band_applies(const double* knots, int nknots, int order, double t, int first)
+{
+    const int p = order - 1;
+    const int last = first + 2 * p + 1;
+    if (first < 0 || last > nknots - 1)
+        return false;
+    const int j = first + p;
+    if (!(knots[j] <= t && t < knots[j + 1]) || t == knots[nknots - 1])
+        return false;
+    for (int q = first; q < last; q++)
+        if (!(knots[q] <= knots[q + 1]))
+            return false;
+    return std::isfinite(knots[last] - knots[first]) && std::isfinite(t - knots[first])
+           && std::isfinite(knots[last] - t);
+}
+
+// Band edges: N(q, r) whose lower-left entry lies outside the band (its left
+// term is +0.0), and whose lower-right one does (its right term is +0.0).
+inline double raise_value_right_only(const double* knots, int order, double t, int i, double lower_next)
+{
+    const double b = knots[i + order] - knots[i + 1];
+    double right = 0.0;
+    if (b != 0.0)
+        right = (knots[i + order] - t) * lower_next / b;
+    return 0.0 + right;
+}
+
+inline double raise_value_left_only(const double* knots, int order, double t, int i, double lower_i)
+{
+    const double a = knots[i + order - 1] - knots[i];
+    double left = 0.0;
+    if (a != 0.0)
+        left = (t - knots[i]) * lower_i / a;
+    return left + 0.0;
+}
+
+inline double raise_derivative_right_only(const double* knots, int order, int i, double lower_next)
+{
+    const double b = knots[i + order] - knots[i + 1];
+    double right = 0.0;
+    if (b != 0.0)
+        right = static_cast<double>(order - 1) * lower_next / b;
+    return 0.0 - right;
+}
+
+inline double raise_derivative_left_only(const double* knots, int order, int i, double lower_i)
+{
+    const double a = knots[i + order - 1] - knots[i];
+    double left = 0.0;
+    if (a != 0.0)
+        left = static_cast<double>(order - 1) * lower_i / a;
+    return left - 0.0;
+}
+
+// One row of the band: entries c = lo .. p of order r (function first + c)
+// from the row below, whose entries lo and p + 1 lie outside its band.
+template <bool kDerivative>
+void raise_band(const double* knots, int r, double t, int first, int p, const double* lower, double* row)
+{
+    // r >= 2: the band has two edges at least.
+    const int lo = p - r + 1;
+    for (int c = lo; c <= p; c++) {
+        const int q = first + c;
+        if (kDerivative)
+            row[c] = c == lo ? raise_derivative_right_only(knots, r, q, lower[c + 1])
+                   : c == p  ? raise_derivative_left_only(knots, r, q, lower[c])
+                             : raise_derivative(knots, r, q, lower[c], lower[c + 1]);
+        else
+            row[c] = c == lo ? raise_value_right_only(knots, r, t, q, lower[c + 1])
+                   : c == p  ? raise_value_left_only(knots, r, t, q, lower[c])
+                             : raise_value(knots, r, t, q, lower[c], lower[c + 1]);
+    }
+}
+
+}  // namespace
+
+void m0BspCurve::span_table(const double* knots, int nknots, int order, double t, int first, int max_der,
+                            double values[][kMaxOrder])
+{
+    if (!band_applies(knots, nknots, order, t, first)) {
+        basis_table(knots, nknots, order, t, first, order, max_der, values);
+        return;
+    }
+    const int p = order - 1;
+    // level[r][c] = N(first + c, r) for c in the band p - r + 1 .. p.
+    double level[kMaxOrder + 1][kMaxOrder];
+    level[1][p] = 1.0;
+    for (int r = 2; r <= order; r++)
+        raise_band<false>(knots, r, t, first, p, level[r - 1], level[r]);
+    for (int c = 0; c <= p; c++)
+        values[0][c] = level[order][c];
+    for (int d = 1; d <= max_der; d++) {
+        double der[kMaxOrder];
+        int start = order - d;
+        if (start >= 1) {
+            for (int c = p - start + 1; c <= p; c++)
+                der[c] = level[start][c];
+        } else {
+            // Zero derivatives all the way up: +0.0 in and in the band.
+            for (int c = 0; c <= p; c++)
+                values[d][c] = 0.0;
+            continue;
+        }
+        for (int r = start + 1; r <= order; r++) {
+            double row[kMaxOrder];
+            raise_band<true>(knots, r, t, first, p, der, row);
+            for (int c = p - r + 1; c <= p; c++)
+                der[c] = row[c];
+        }
+        for (int c = 0; c <= p; c++)
             values[d][c] = der[c];
     }
 }

@@ -37,7 +37,7 @@ void m0BspCurve::span_sums(double t, int max_der, m03DPoint* a, double* w) const
 
     double values[kMaxDerivative + 1][kMaxOrder];
     if (basis_method_ == BasisMethod::table) {
-        basis_table(knots, m, order, t, first, order, max_der, values);
+        span_table(knots, m, order, t, first, max_der, values);
     } else {
         for (int c = 0; c < order; c++)
             for (int d = 0; d <= max_der; d++)

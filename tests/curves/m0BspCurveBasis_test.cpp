@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <random>
 #include <vector>
@@ -15,6 +16,11 @@ public:
     static double table_basis(const double* knots, int m, int order, double t, int i, int der)
     {
         return m0BspCurve::single_basis(knots, m, order, t, i, der);
+    }
+    static void span(const double* knots, int m, int order, double t, int first, int max_der,
+                     double values[][m0BspCurve::kMaxOrder])
+    {
+        m0BspCurve::span_table(knots, m, order, t, first, max_der, values);
     }
     static double first(const double* knots, int m, int order, double t, int i)
     {
@@ -149,6 +155,55 @@ TEST(M0BspCurveBasis, TableEqualsRecursionBitForBit_RandomKnotsParametersAndDeri
     EXPECT_GT(compared, 500000);
     EXPECT_GT(nonzero, compared / 20);
     std::printf("basis values compared bit for bit: %ld (%ld non-zero)\n", compared, nonzero);
+}
+
+TEST(M0BspCurveBasis, SpanTableEqualsRecursionBitForBit_WellFormedSpansKnotsOnTheParameter)
+{
+    // Clamped, non-decreasing knots with runs, and parameters on the knots
+    // themselves, just beside them and inside: the spans where only the band
+    // of non-zero entries is computed, with its zero products and dropped terms.
+    std::mt19937_64 rng(99);
+    std::uniform_real_distribution<double> unit(0.0, 1.0);
+    long compared = 0;
+    for (int curve = 0; curve < 600; curve++) {
+        const int order = 1 + static_cast<int>(unit(rng) * 6);
+        const int n = order + static_cast<int>(unit(rng) * 8);
+        std::vector<double> k(order, -1.0 + unit(rng));
+        double u = k[0];
+        while (static_cast<int>(k.size()) < n) {
+            if (unit(rng) < 0.6)
+                u += unit(rng) < 0.2 ? 1e-9 : unit(rng);
+            k.push_back(u);
+        }
+        u += 0.5;
+        k.insert(k.end(), order, u);
+        const int m = static_cast<int>(k.size());
+        std::vector<double> ts;
+        for (double v : k) {
+            ts.push_back(v);
+            ts.push_back(std::nextafter(v, 1e300));
+            ts.push_back(std::nextafter(v, -1e300));
+        }
+        for (int i = 0; i < 10; i++)
+            ts.push_back(k.front() + (k.back() - k.front()) * unit(rng));
+        for (double t : ts) {
+            for (int j = order - 1; j <= m - order; j++) {
+                double values[m0BspCurve::kMaxDerivative + 1][m0BspCurve::kMaxOrder];
+                const int first = j - (order - 1);
+                Access::span(k.data(), m, order, t, first, m0BspCurve::kMaxDerivative, values);
+                for (int c = 0; c < order; c++) {
+                    for (int d = 0; d <= m0BspCurve::kMaxDerivative; d++) {
+                        const double ref = m0BspCurve::basis_reference(k.data(), m, order, t, first + c, d);
+                        ASSERT_TRUE(same_bits(values[d][c], ref))
+                            << "order " << order << " span " << j << " c " << c << " d " << d << " t " << t
+                            << ": " << values[d][c] << " vs " << ref;
+                        compared++;
+                    }
+                }
+            }
+        }
+    }
+    EXPECT_GT(compared, 500000);
 }
 
 TEST(M0BspCurveBasis, NamedDerivativeFunctions_AreTableEntriesOfTheirOrder)
