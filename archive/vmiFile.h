@@ -75,6 +75,11 @@ public:
     // Output room for a chunk that declares decompressed size d and has c
     // compressed bytes, with budget bytes left for the entry.
     static std::int64_t chunk_capacity(std::int64_t c, std::int64_t d, std::int64_t budget);
+    // The most compressed bytes worth reading for a chunk when budget output
+    // bytes are left: the largest zlib stream of that many bytes (zlib's
+    // compressBound) plus inflate_slack. A chunk declaring more is read that
+    // far only, and the chain ends behind it.
+    static std::int64_t input_limit(std::int64_t budget);
     // zlib_interface::ziUncompress; dst_len becomes the bytes produced.
     int un_compress(char* src, int& src_len, char* dst, int& dst_len);
 

@@ -69,6 +69,13 @@ std::int64_t vmiFile::chunk_capacity(std::int64_t c, std::int64_t d, std::int64_
     return std::min({d, c * max_inflate_ratio + inflate_slack, budget});
 }
 
+std::int64_t vmiFile::input_limit(std::int64_t budget)
+{
+    if (budget <= 0)
+        return 0;
+    return budget + (budget >> 12) + (budget >> 14) + (budget >> 25) + 13 + inflate_slack;
+}
+
 char* vmiFile::extract_all_ZIP(std::istream& in, int& len)
 {
     int chunks = 0;
@@ -99,11 +106,12 @@ char* vmiFile::join_chunks(std::istream& in, int& len, int& chunks, std::int64_t
         // A negative size is no chunk: the chain ends, the chunks before it stay.
         if (c < 0 || d < 0)
             break;
-        std::vector<char> src = read_input(in, c);
+        const std::int64_t budget = max_total - total;
+        const std::int64_t wanted = std::min(c, input_limit(budget));
+        std::vector<char> src = read_input(in, wanted);
         chunk k;
         k.declared = d;
-        k.produced.resize(static_cast<std::size_t>(chunk_capacity(static_cast<std::int64_t>(src.size()), d,
-                                                                  max_total - total)));
+        k.produced.resize(static_cast<std::size_t>(chunk_capacity(static_cast<std::int64_t>(src.size()), d, budget)));
         int src_len = static_cast<int>(src.size());
         int dst_len = static_cast<int>(k.produced.size());
         // The result code is not looked at: a short or corrupt chunk keeps
@@ -115,6 +123,10 @@ char* vmiFile::join_chunks(std::istream& in, int& len, int& chunks, std::int64_t
         k.produced.resize(static_cast<std::size_t>(std::max(dst_len, 0)));
         total += static_cast<std::int64_t>(k.produced.size());
         table.push_back(std::move(k));
+        // The rest of an over-long chunk is not read, so no header can be
+        // found behind it.
+        if (wanted < c)
+            break;
     }
     chunks = static_cast<int>(table.size());
     if (total <= 0)

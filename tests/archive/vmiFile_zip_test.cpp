@@ -216,6 +216,35 @@ TEST(ExtractAllZip, ProducedTotalStopsAtTheEntryBound)
     delete[] buf;
 }
 
+TEST(ExtractAllZip, ChunkLongerThanTheBudgetCanUseIsReadOnlyAsFarAsUseful)
+{
+    // A stored (level 0) stream of 20000 bytes with 100 output bytes left:
+    // only input_limit(100) compressed bytes are read, the first 100 bytes
+    // come out, and the chain ends behind the chunk.
+    const std::string data = pattern(20000);
+    const std::string z = vlm::zlib_compress(data, 0);
+    const std::string entry = vlm::chunk_header(static_cast<std::uint32_t>(z.size()), 20000) + z + vlm::chunk("next");
+    vmiFile f;
+    std::istringstream in(entry);
+    int len = 0;
+    int chunks = 0;
+    char* buf = f.join_chunks(in, len, chunks, 100);
+    ASSERT_NE(buf, nullptr);
+    EXPECT_EQ(chunks, 1);
+    EXPECT_EQ(len, 100);
+    EXPECT_EQ(std::string(buf, 100), data.substr(0, 100));
+    delete[] buf;
+    EXPECT_EQ(static_cast<std::int64_t>(in.tellg()), 25 + vmiFile::input_limit(100));
+}
+
+TEST(ExtractAllZip, InputLimitCoversTheLargestStreamOfTheBudget)
+{
+    // zlib never makes a stream of n bytes longer than compressBound(n).
+    const std::string data = pattern(5000);
+    EXPECT_GE(vmiFile::input_limit(5000), static_cast<std::int64_t>(vlm::zlib_compress(data, 0).size()));
+    EXPECT_EQ(vmiFile::input_limit(0), 0);
+}
+
 TEST(ExtractAllZip, EntryBoundHoldsTheLargestGridRecord)
 {
     // The bound never cuts a real record: a grid of the most nodes allowed,
