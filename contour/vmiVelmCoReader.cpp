@@ -195,9 +195,17 @@ double vmiVelmCoReader::get_tfloat()
 
 bool vmiVelmCoReader::array_allowed(const int& n) const
 {
-    // Every value the text holds takes at least one byte, so a count beyond the
-    // bytes left cannot be what the text says.
-    return n >= 1 && n <= max_array_count && n <= remaining();
+    if (n < 1 || n > max_array_count)
+        return false;
+    if (n <= short_array_count)
+        return true;
+    // A long array needs n - 1 bytes before the line ends: no value is read
+    // across a line feed and every value the line holds takes a byte, so a
+    // longer count cannot be what the text says.
+    int need = n - 1;
+    if (remaining() < need)
+        return false;
+    return std::memchr(start_ + pos_, '\n', static_cast<std::size_t>(need)) == nullptr;
 }
 
 int* vmiVelmCoReader::get_tint_array(const int& n)

@@ -9,7 +9,7 @@
 // error and never allocates except for the arrays and texts it returns: a
 // value that is not there reads as zero. It never reads or writes outside the
 // buffer, and every operation ends after a number of steps bounded by the
-// length of the text (or, for a text, by its fixed size).
+// length of its line or by a fixed size (a text, a short array).
 //
 // Its moves stick: stepping on from the last byte keeps the cursor on the last
 // byte, and only pass() and a digit that is the last byte bring it to the end.
@@ -26,6 +26,13 @@ public:
     // a pad's height matrix a few hundred thousand; a count beyond this reads as
     // no array (null, the values left unread) instead of an unbounded allocation.
     static constexpr int max_array_count = 1 << 20;
+    // An array of up to this many values is read whatever its line holds, its
+    // missing values reading as 0. A longer one must find at least count - 1
+    // bytes before the end of its line (no value is read across a line end, and
+    // each value the line holds takes at least one byte), else it reads as no
+    // array. So a text can never make the reader fill more values than a small
+    // multiple of its own length, however many key lines ask for huge counts.
+    static constexpr int short_array_count = 64;
 
     // Status -1 and no cursor when data is null or length < 1; else ready (0).
     vmiVelmCoReader(const char* data, const int& length);
@@ -45,12 +52,13 @@ public:
     int get_tint();
     // A decimal number with optional sign, point, fraction and "e" exponent.
     double get_tfloat();
-    // n integers or numbers, each optionally followed directly by a comma;
-    // missing values read as 0 and the reading runs on into the next lines.
-    // Exactly n values are read and held, never more. Null when n < 1, when n
-    // is beyond max_array_count or beyond the bytes left (every value takes at
-    // least one byte), or when memory runs out; then nothing is read. The
-    // caller deletes the array with delete[] and takes null as a missing key.
+    // n integers or numbers, each optionally followed directly by a comma.
+    // No value reads across a line end, so the values missing from a short line
+    // read as 0. Exactly n values are read and held, never more. Null when
+    // n < 1, when n is beyond max_array_count, when n is beyond
+    // short_array_count and the line cannot hold n values, or when memory runs
+    // out; then nothing is read. The caller deletes the array with delete[]
+    // and takes null as a missing key.
     int* get_tint_array(const int& n);
     double* get_tfloat_array(const int& n);
     // The rest of the line up to CR or LF, at most max_text_length bytes,
@@ -81,7 +89,7 @@ private:
     int test_string(const char* s, const int& n);
     // The bytes left from the cursor to the end.
     int remaining() const { return len_ - pos_; }
-    // Whether an array of n values may be allocated here.
+    // Whether an array of n values may be read here (see short_array_count).
     bool array_allowed(const int& n) const;
 
     const char* start_ = nullptr;

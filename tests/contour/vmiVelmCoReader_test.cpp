@@ -51,8 +51,14 @@ TEST(VmiVelmCoReader, Construct_NullDataHasStatusMinusOneAndReadsZero)
     EXPECT_EQ(r.test_string("x"), 0);
     EXPECT_EQ(r.get_tint(), 0);
     EXPECT_EQ(r.get_tfloat(), 0.0);
-    EXPECT_EQ(r.get_tfloat_array(2), nullptr);
-    EXPECT_EQ(r.get_tint_array(2), nullptr);
+    std::unique_ptr<double[]> f(r.get_tfloat_array(2));
+    ASSERT_NE(f, nullptr);
+    EXPECT_EQ(f[0], 0.0);
+    EXPECT_EQ(f[1], 0.0);
+    std::unique_ptr<int[]> i(r.get_tint_array(2));
+    ASSERT_NE(i, nullptr);
+    EXPECT_EQ(i[1], 0);
+    EXPECT_EQ(r.get_tfloat_array(vmiVelmCoReader::short_array_count + 1), nullptr);
     EXPECT_EQ(take_text(r), "");
 }
 
@@ -571,17 +577,78 @@ TEST(VmiVelmCoReader, GetTfloatArray_AbsurdCountOnShortLineIsNullAndReadsNothing
     EXPECT_EQ(t.reader.position(), before);
 }
 
-TEST(VmiVelmCoReader, GetTfloatArray_CountUpToTheBytesLeftIsRead)
+TEST(VmiVelmCoReader, GetTfloatArray_ShortArrayOnShortLineReadsMissingValuesAsZero)
 {
-    Text t("1,2");
-    // Three bytes left: three values may be asked for, the last reads as 0.
-    std::unique_ptr<int[]> v(t.reader.get_tint_array(3));
+    const int n = vmiVelmCoReader::short_array_count;
+    Text t("x=1.0,2.0\n0999 \n");
+    t.reader.test_string("x=");
+    std::unique_ptr<double[]> v(t.reader.get_tfloat_array(n));
+    ASSERT_NE(v, nullptr);
+    EXPECT_EQ(v[0], 1.0);
+    EXPECT_EQ(v[1], 2.0);
+    for (int i = 2; i < n; i++)
+        EXPECT_EQ(v[i], 0.0) << "at " << i;
+    EXPECT_EQ(t.reader.new_instruction(), 999);
+}
+
+TEST(VmiVelmCoReader, GetTfloatArray_NoValueIsReadAcrossALineEnd)
+{
+    Text t("1,2,\n3,4\n");
+    std::unique_ptr<int[]> v(t.reader.get_tint_array(4));
     ASSERT_NE(v, nullptr);
     EXPECT_EQ(v[0], 1);
     EXPECT_EQ(v[1], 2);
     EXPECT_EQ(v[2], 0);
-    Text u("1,2");
-    EXPECT_EQ(u.reader.get_tint_array(4), nullptr);
+    EXPECT_EQ(v[3], 0);
+    EXPECT_EQ(t.reader.position(), 4);
+}
+
+TEST(VmiVelmCoReader, GetTfloatArray_LongArrayMustFitItsLine)
+{
+    // 32 values in 64 bytes: a line that can hold up to 65 values.
+    std::string line;
+    for (int i = 0; i < 32; i++)
+        line += "1,";
+    Text fits(line + "\n0999 \n");
+    std::unique_ptr<int[]> v(fits.reader.get_tint_array(65));
+    ASSERT_NE(v, nullptr);
+    EXPECT_EQ(v[31], 1);
+    EXPECT_EQ(v[32], 0);
+    EXPECT_EQ(v[64], 0);
+    Text too_long(line + "\n0999 \n");
+    EXPECT_EQ(too_long.reader.get_tint_array(66), nullptr);
+    EXPECT_EQ(too_long.reader.get_tfloat_array(66), nullptr);
+    EXPECT_EQ(too_long.reader.position(), 0);
+}
+
+TEST(VmiVelmCoReader, GetTfloatArray_HugeCountOnShortLineBeforeLongTextIsNull)
+{
+    // Plenty of text follows, but not on the array's own line.
+    Text t("x=1.0,2.0\n" + std::string(3 << 20, '7'));
+    t.reader.test_string("x=");
+    EXPECT_EQ(t.reader.get_tfloat_array(vmiVelmCoReader::max_array_count), nullptr);
+    EXPECT_EQ(t.reader.position(), 2);
+}
+
+TEST(VmiVelmCoReader, GetTfloatArray_ManyKeyLinesAskingHugeCountsStayFast)
+{
+    std::string text = "0001\n";
+    for (int i = 0; i < 100000; i++)
+        text += "0101 x=\n";
+    Text t(text);
+    auto started = std::chrono::steady_clock::now();
+    int lines = 0;
+    int arrays = 0;
+    while (t.reader.new_instruction() == 101) {
+        lines++;
+        t.reader.test_string("x=");
+        double* v = t.reader.get_tfloat_array(vmiVelmCoReader::max_array_count);
+        arrays += v != nullptr;
+        delete[] v;
+    }
+    EXPECT_EQ(lines, 100000);
+    EXPECT_EQ(arrays, 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(2));
 }
 
 TEST(VmiVelmCoReader, GetTfloatArray_CountBeyondMaxArrayCountIsNull)
