@@ -23,6 +23,8 @@ std::string unreadable_reason(const std::string& file)
     const auto status = std::filesystem::status(file, ec);
     if (ec || !std::filesystem::exists(status)) return "no such file";
     if (std::filesystem::is_directory(status)) return "is a directory";
+    // A pipe or a device could block the read or never end.
+    if (!std::filesystem::is_regular_file(status)) return "not a regular file";
     {
         std::ifstream probe(file, std::ios::binary);
         if (!probe) return std::string("cannot open: ") + std::strerror(errno);

@@ -93,10 +93,7 @@ JsonWriter::JsonWriter(std::ostream& out, bool pretty) : out_(out), pretty_(pret
 
 bool JsonWriter::inline_here() const
 {
-    if (!pretty_) return true;
-    for (const Level& l : levels_)
-        if (l.single_line) return true;
-    return false;
+    return !pretty_ || single_line_levels_ > 0;
 }
 
 void JsonWriter::newline_indent()
@@ -124,6 +121,7 @@ void JsonWriter::open(char bracket, bool single_line)
     before_value();
     out_ << bracket;
     levels_.push_back({single_line, true, bracket == '{' ? '}' : ']'});
+    single_line_levels_ += single_line ? 1 : 0;
 }
 
 void JsonWriter::close(char bracket)
@@ -133,6 +131,7 @@ void JsonWriter::close(char bracket)
     if (levels_.empty() || levels_.back().closer != bracket) return;
     const bool was_empty = levels_.back().empty;
     const bool was_inline = inline_here();
+    single_line_levels_ -= levels_.back().single_line ? 1 : 0;
     levels_.pop_back();
     if (!was_empty && !was_inline) newline_indent();
     out_ << bracket;

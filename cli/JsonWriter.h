@@ -65,4 +65,5 @@ private:
     bool pretty_;
     bool after_key_ = false;
     std::vector<Level> levels_;
+    int single_line_levels_ = 0;   // open containers written on one line
 };

@@ -115,6 +115,13 @@ TEST(CommandLine, InspectDirectoryIsUnreadable)
     EXPECT_EQ(r.err, "velmora: /tmp: is a directory\n");
 }
 
+TEST(CommandLine, InspectDeviceIsUnreadable)
+{
+    const RunResult r = velmora({"inspect", "/dev/null"});
+    EXPECT_EQ(r.status, exit_unreadable);
+    EXPECT_EQ(r.err, "velmora: /dev/null: not a regular file\n");
+}
+
 TEST(CommandLine, InspectFileThatIsNotAZipIsUnreadable)
 {
     const std::string path = vlm::temp_path("cli_notzip");
