@@ -302,7 +302,7 @@ void m0BspCurve::span_table(const double* knots, int nknots, int order, double t
             for (int c = p - start + 1; c <= p; c++)
                 der[c] = level[start][c];
         } else {
-            // Zero derivatives all the way up: +0.0 in and in the band.
+            // d >= order: the zero derivatives of order 1 stay +0.0 all the way up.
             for (int c = 0; c <= p; c++)
                 values[d][c] = 0.0;
             continue;
