@@ -255,6 +255,7 @@ m03DVector* vmiVelmcontur::outline(const FloatArray& x, const FloatArray& y, con
     std::unique_ptr<double[]> zs(new (std::nothrow) double[n]);
     if (!xs || !ys || !zs)
         return nullptr;
+    double length = 0.0;
     for (int i = 0; i < n; ++i) {
         xs[i] = x.at(i);
         ys[i] = y.at(i);
@@ -262,7 +263,12 @@ m03DVector* vmiVelmcontur::outline(const FloatArray& x, const FloatArray& y, con
         if (!finite_within(xs[i], max_coordinate) || !finite_within(ys[i], max_coordinate)
             || !finite_within(zs[i], max_coordinate))
             return nullptr;
+        if (i > 0)
+            length += (m03DPoint(xs[i], ys[i], zs[i]) - m03DPoint(xs[i - 1], ys[i - 1], zs[i - 1]))
+                          .module();
     }
+    if (length > max_outline_length)
+        return nullptr;
     return create_polyline0(xs.get(), ys.get(), zs.get(), n);
 }
 

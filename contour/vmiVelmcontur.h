@@ -28,10 +28,14 @@ public:
     // beyond it reads the array as absent (its values are passed over with
     // the rest of the line).
     static constexpr int max_array_count = vmiVelmCoReader::max_array_count;
-    // The most points an outline ("Rohlingsdaten", "HContour2") may have. An
-    // insole outline has a few hundred; more would only make the spline and
-    // its approximation costly. A larger count builds no outline.
-    static constexpr int max_outline_points = 10000;
+    // The most points an outline ("Rohlingsdaten", "HContour2") may have, and
+    // its longest length (the sum of its segments, model units: a hundred
+    // metres). An insole outline has a few hundred points and is under a
+    // metre long. The spline's approximation at 0.5 grows with the points and
+    // the square root of the length, so together they keep it to some ten
+    // thousand points an outline; an outline beyond either is not built.
+    static constexpr int max_outline_points = 4096;
+    static constexpr double max_outline_length = 1.0e5;
     // The longest insole outline "HContour2" takes, measured in grid cells
     // (the sum over its approximation's segments of |dx| / d_x + |dy| / d_y,
     // with the points held inside the grid). An outline goes round the
@@ -174,7 +178,8 @@ private:
     std::unique_ptr<vmiBaseGrid> make_working_grid();
     // A polyline of n points from the arrays (z absent: 0.0), values beyond an
     // array reading as 0.0; null when x or y is absent, n < 1, n is beyond
-    // max_array_count or a coordinate is not finite or beyond max_coordinate.
+    // max_outline_points, a coordinate is not finite or beyond max_coordinate,
+    // or the polyline is longer than max_outline_length.
     static m03DVector* outline(const FloatArray& x, const FloatArray& y, const FloatArray* z,
                                const int& n);
     // "~" and the identifier, as the document appends it to names.

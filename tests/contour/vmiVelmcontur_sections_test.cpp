@@ -286,7 +286,7 @@ TEST(vmiVelmconturHContour2, OutlineOfMoreThanMaxOutlinePointsIsNotTaken)
     std::vector<double> x, y;
     const int n = vmiVelmcontur::max_outline_points + 1;
     for (int i = 0; i < n; ++i) {
-        x.push_back(50.0 + 10.0 * (i % 7));
+        x.push_back(50.0 + 0.5 * (i % 7));
         y.push_back(50.0 + 0.01 * i);
     }
     auto doc = parse(contour_text().hcontour2("many", x, y).end().text());

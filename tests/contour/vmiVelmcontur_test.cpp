@@ -3,6 +3,7 @@
 // against hostile text.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 #include <string>
 #include <vector>
@@ -400,6 +401,37 @@ TEST(vmiVelmcontur, CountRaisedAfterTheArrays_BeyondMaxOutlinePointsBuildsNoOutl
                          .end()
                          .text());
     EXPECT_EQ(doc->no_of_objects(), 0);
+}
+
+TEST(vmiVelmcontur, OutlineLongerThanMaxOutlineLengthIsNotBuilt)
+{
+    const double l = vmiVelmcontur::max_outline_length;
+    auto at = parse(
+        contour_text().rohlingsdaten("at", {0.0, l}, {0.0, 0.0}, {}, {}, {}, 0, 0).end().text());
+    EXPECT_EQ(names(*at), (std::vector<std::string> {"at~4"}));
+    auto beyond = parse(contour_text()
+                            .rohlingsdaten("beyond", {0.0, l + 1.0}, {0.0, 0.0}, {}, {}, {}, 0, 0)
+                            .end()
+                            .text());
+    EXPECT_EQ(beyond->no_of_objects(), 0);
+}
+
+TEST(vmiVelmcontur, ZigzagOutlineAtTheBoundsKeepsItsApproximationSmall)
+{
+    // The costliest outline the bounds let through: the most points, the
+    // whole length, every segment a sharp turn.
+    const int n = vmiVelmcontur::max_outline_points;
+    const double step = vmiVelmcontur::max_outline_length / (n - 1) * 0.99 / std::sqrt(2.0);
+    std::vector<double> x, y;
+    for (int i = 0; i < n; ++i) {
+        x.push_back(i % 2 ? step : 0.0);
+        y.push_back(i * step);
+    }
+    auto doc = parse(contour_text().rohlingsdaten("zigzag", x, y, {}, {}, {}, 0, 0).end().text());
+    ASSERT_EQ(doc->no_of_objects(), 1);
+    ASSERT_NE(doc->object(0)->spline()->approximation(), nullptr);
+    EXPECT_GT(doc->object(0)->spline()->approximation()->size(), 2 * n);
+    EXPECT_LT(doc->object(0)->spline()->approximation()->size(), 100000);
 }
 
 TEST(vmiVelmcontur, OutlineWithAnInfiniteCoordinateIsNotBuilt)
