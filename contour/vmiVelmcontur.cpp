@@ -83,7 +83,7 @@ vmiVelmcontur::vmiVelmcontur(char* data, const int& length, const int& identifie
     ynum_ = ynum < 0 ? 0 : static_cast<int>(ynum);
     randx_ = default_margin;
     randy_ = default_margin;
-    work_grid_ = make_working_grid();
+    work_grid_ = make_working_grid(xnum_, ynum_, xres_, yres_, randx_, randy_);
     proc_Velmcontur();
 }
 
@@ -169,24 +169,13 @@ void vmiVelmcontur::proc_Kerneldata()
                   {"randx=", &randx},
                   {"randy=", &randy}});
     // A geometry out of bounds (a grid beyond vmiBaseGrid::max_nodes, a
-    // spacing that is not a positive number of at least min_spacing, a margin
-    // beyond max_coordinate) is refused as a whole: the document keeps its
-    // working grid and the geometry it was made with.
-    if (!finite_within(randx, max_coordinate) || !finite_within(randy, max_coordinate))
+    // spacing that is not a number of at least min_spacing, a margin beyond
+    // max_coordinate) is refused as a whole: the document keeps its working
+    // grid and the geometry it was made with.
+    std::unique_ptr<vmiBaseGrid> grid = make_working_grid(xnum, ynum, xres, yres, randx, randy);
+    if (!grid)
         return;
-    std::unique_ptr<vmiBaseGrid> probe = make_grid(xnum, ynum, xres, yres);
-    if (!probe)
-        return;
-    probe.reset();
-    int old_xnum = xnum_, old_ynum = ynum_;
-    double old[4] = {xres_, yres_, randx_, randy_};
     xnum_ = xnum, ynum_ = ynum, xres_ = xres, yres_ = yres, randx_ = randx, randy_ = randy;
-    std::unique_ptr<vmiBaseGrid> grid = make_working_grid();
-    if (!grid) {
-        xnum_ = old_xnum, ynum_ = old_ynum;
-        xres_ = old[0], yres_ = old[1], randx_ = old[2], randy_ = old[3];
-        return;
-    }
     // Whatever earlier sections did to the old grid is lost with it.
     work_grid_ = std::move(grid);
 }
@@ -229,9 +218,13 @@ std::unique_ptr<vmiBaseGrid> vmiVelmcontur::make_grid(const long long& xnum, con
     return grid;
 }
 
-std::unique_ptr<vmiBaseGrid> vmiVelmcontur::make_working_grid()
+std::unique_ptr<vmiBaseGrid>
+vmiVelmcontur::make_working_grid(const int& xnum, const int& ynum, const double& xres,
+                                 const double& yres, const double& randx, const double& randy)
 {
-    std::unique_ptr<vmiBaseGrid> grid = make_grid(xnum_, ynum_, xres_, yres_);
+    if (!finite_within(randx, max_coordinate) || !finite_within(randy, max_coordinate))
+        return nullptr;
+    std::unique_ptr<vmiBaseGrid> grid = make_grid(xnum, ynum, xres, yres);
     if (!grid || !base_grid_)
         return grid;
     // The base grid goes in with a margin of randx, randy on the low sides,
@@ -239,7 +232,7 @@ std::unique_ptr<vmiBaseGrid> vmiVelmcontur::make_working_grid()
     giBox3 box = base_grid_->box();
     std::unique_ptr<vmiBaseGrid> copy(base_grid_->doubled());
     if (copy) {
-        copy->offset(randx_ - box.min().x(), randy_ - box.min().y());
+        copy->offset(randx - box.min().x(), randy - box.min().y());
         grid->merge(*copy);
     }
     return grid;

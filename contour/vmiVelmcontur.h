@@ -173,9 +173,11 @@ private:
     // A new grid of the given geometry, or null when it is out of bounds.
     static std::unique_ptr<vmiBaseGrid> make_grid(const long long& xnum, const long long& ynum,
                                                   const double& xres, const double& yres);
-    // The working grid for the current geometry, holding the base grid with
-    // its margin; null when the geometry is out of bounds.
-    std::unique_ptr<vmiBaseGrid> make_working_grid();
+    // A working grid of the given geometry holding the base grid (when there
+    // is one) with its margin; null when the geometry is out of bounds.
+    std::unique_ptr<vmiBaseGrid> make_working_grid(const int& xnum, const int& ynum,
+                                                   const double& xres, const double& yres,
+                                                   const double& randx, const double& randy);
     // A polyline of n points from the arrays (z absent: 0.0), values beyond an
     // array reading as 0.0; null when x or y is absent, n < 1, n is beyond
     // max_outline_points, a coordinate is not finite or beyond max_coordinate,

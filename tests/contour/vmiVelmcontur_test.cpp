@@ -254,6 +254,26 @@ TEST(vmiVelmcontur, Rohlingsdaten_ValuesBeyondAShorterArrayReadAsZero)
     EXPECT_EQ(a->point(a->size() - 1).y(), 15.0);
 }
 
+TEST(vmiVelmcontur, Rohlingsdaten_RepeatedZeroPointsAndSinglePointsStillMakeTheirObjects)
+{
+    // Count raised after short arrays: the outline ends in seven points at
+    // the origin, coincident ones among them.
+    auto zeros = parse(contour_text()
+                           .open_blank()
+                           .key("name", "z")
+                           .key("count", 3)
+                           .array("xSpl", {10.0, 20.0, 30.0})
+                           .array("ySpl", {10.0, 20.0, 10.0})
+                           .key("count", 10)
+                           .close_blank()
+                           .end()
+                           .text());
+    EXPECT_EQ(names(*zeros), (std::vector<std::string> {"z~4"}));
+    auto single = parse(
+        contour_text().rohlingsdaten("one", {5.0}, {6.0}, {5.0}, {6.0}, {}, 0, 0).end().text());
+    EXPECT_EQ(names(*single), (std::vector<std::string> {"one~4", "one~4(Upper)~4"}));
+}
+
 TEST(vmiVelmcontur, Rohlingsdaten_NameTextIsCutAt131Characters)
 {
     std::string long_name(5000, 'n');
