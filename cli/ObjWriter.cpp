@@ -83,8 +83,10 @@ std::string ObjWriter::write(const Scene& scene, double scale, std::ostream& out
         << "; vertex colours r g b after x y z\n";
     std::size_t next = 1;
     for (const ScenePlacedItem& it : scene.placed_items(scale)) {
-        out << "o " << token(it.info().mangled) << '\n'
-            << "g " << path_token(it.path, scene.top.name) << '\n';
+        // OBJ has no nesting: the group carries the host's flat (mangled)
+        // name, a comment the path of groups it sits in.
+        out << "# in " << path_token(it.path, scene.top.name) << '\n'
+            << "g " << token(it.info().mangled) << '\n';
         item(out, it, next);
     }
     if (!out) return "cannot write the OBJ text";

@@ -1,8 +1,9 @@
 #pragma once
 // ObjWriter: a Scene as Wavefront OBJ text. OBJ has no hierarchy and no
 // placements, so every item is placed in the world (placements flattened) and
-// scaled; each item is one object ("o", its mangled name) in the group named
-// by the path of its groups ("g", joined with "/"). Vertices carry their RGB
+// scaled; each item is one group ("g") named by its mangled name, which the
+// host's manglers made from the enclosing group's name, after a comment with
+// the path of its groups (joined with "/"). Vertices carry their RGB
 // colour after x y z (meshes and curves by their colour index, see
 // ColourPalette.h; points their own). Meshes are faces ("f"), curves sampled
 // line strips ("l"), clouds points ("p").

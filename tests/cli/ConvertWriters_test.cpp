@@ -83,12 +83,12 @@ std::vector<float> floats(const tinygltf::Model& m, int a)
 TEST(ObjWriter, Write_NamesEachItemByItsMangledNameInItsGroupPath)
 {
     const std::string obj = written(ObjWriter::write, sample_scene::scene(), 1.0);
-    EXPECT_EQ(lines_starting(obj, "o "),
-              (std::vector<std::string>{"o VelmScan(A)_SCAN_(LEFT)_1", "o VelmScan(A)_PCIM_2",
-                                        "o PCS_models(B)_sole~4", "o PCS_models(B)_LIMIT"}));
     EXPECT_EQ(lines_starting(obj, "g "),
-              (std::vector<std::string>{"g Data_Base/VelmScan(A)", "g Data_Base/VelmScan(A)",
-                                        "g Data_Base/PCS_models(B)", "g Data_Base/PCS_models(B)"}));
+              (std::vector<std::string>{"g VelmScan(A)_SCAN_(LEFT)_1", "g VelmScan(A)_PCIM_2",
+                                        "g PCS_models(B)_sole~4", "g PCS_models(B)_LIMIT"}));
+    EXPECT_EQ(lines_starting(obj, "# in "),
+              (std::vector<std::string>{"# in Data_Base/VelmScan(A)", "# in Data_Base/VelmScan(A)",
+                                        "# in Data_Base/PCS_models(B)", "# in Data_Base/PCS_models(B)"}));
 }
 
 TEST(ObjWriter, Write_FlattensPlacementsAndColoursVerticesByPalette)
