@@ -104,3 +104,17 @@ TEST(vmiPolyline, Walk_DeliversCurveWithCurveNameLayerAndColour)
     ASSERT_TRUE(e.curve);
     EXPECT_EQ(e.curve->num_points(), 3);
 }
+
+TEST(vmiPolyline, Convert_CountAboveTheKernelsBoundGivesAnInvalidCurveWithoutReading)
+{
+    auto* v = new m03DVector(2);
+    // A count that lies about the storage: the kernel refuses such a curve,
+    // and no point is read.
+    v->set_size(rnxNurbCurve3::max_points + 1);
+    vmiObjPoly r(utString("HUGE"), v);
+    rnxCurvePtr3 c;
+    EXPECT_EQ(vmiPolyline(&r).convert(c), 0);
+    ASSERT_TRUE(c);
+    EXPECT_EQ(c->num_points(), 0);
+    v->set_size(2);
+}

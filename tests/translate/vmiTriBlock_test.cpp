@@ -8,6 +8,7 @@
 
 #include "archive/vmiObjGrid.h"
 #include "curves/m03DPoint.h"
+#include "grid/vmiBaseGrid.h"
 #include "host/qorabsContext.h"
 #include "tests/translate/RecordingSink.h"
 #include "translate/vmiTriblockTranslator.h"
@@ -212,4 +213,16 @@ TEST(vmiTriBlock, Translator_KeepsItsOwnCopyOfTheWrapper)
     EXPECT_EQ(tt->context(), &context);
     giTriBlock tb;
     EXPECT_EQ(tt->create_triblock(tb), qorabsTranslationStatus(0));
+}
+
+TEST(vmiTriBlock, Convert_SizesWrittenBeyondTheGridsNodesReadAsMissing)
+{
+    auto r = grid_record(2, 2, {1.0, 2.0, 3.0, 4.0});
+    // The grid hands its sizes out by reference; whatever is written there,
+    // the block reads no node the grid does not hold.
+    r->grid()->x_size() = 3;
+    r->grid()->y_size() = 3;
+    giTriBlock tb;
+    vmiTriBlock(r.get()).convert(tb);
+    EXPECT_LE(tb.num_vertices(), 4);
 }
