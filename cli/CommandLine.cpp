@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
+#include "cli/ConvertCommand.h"
 #include "cli/ExitCode.h"
 #include "cli/InspectCommand.h"
 
@@ -45,14 +46,17 @@ int CommandLine::run(int argc, const char* const* argv, std::ostream& out, std::
     CLI::App app("velmora: the command-line host of the Velmora archive importer", "velmora");
     app.set_version_flag("--version", std::string("velmora ") + VELMORA_VERSION);
     app.require_subcommand(1);
-    app.footer("The commands dump and convert are not yet available.\n"
-               "Exit status: 0 success, 2 wrong usage, 3 a file could not be read.");
+    app.footer("The command dump is not yet available.\n"
+               "Exit status: 0 success, 1 the import produced nothing, 2 wrong usage, 3 a file "
+               "could not be read or written.");
     InspectCommand inspect;
     add_inspect(app, inspect);
+    ConvertCommand convert;
+    ConvertCommand::add_to(app, convert);
     // CLI11 would call an unknown word an unexpected argument; name it instead.
     const std::string word = command_word(argc, argv);
-    if (!word.empty() && word != "inspect") {
-        const bool later = word == "dump" || word == "convert";
+    if (!word.empty() && word != "inspect" && word != "convert") {
+        const bool later = word == "dump";
         err << "velmora: " << word << (later ? ": command not yet available" : ": unknown command")
             << " (see velmora --help)\n";
         return exit_usage;
@@ -66,5 +70,6 @@ int CommandLine::run(int argc, const char* const* argv, std::ostream& out, std::
         return exit_usage;
     }
     if (app.got_subcommand("inspect")) return inspect.run(out, err);
+    if (app.got_subcommand("convert")) return convert.run(out, err);
     return exit_usage;
 }

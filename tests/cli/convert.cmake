@@ -27,3 +27,12 @@ if(Python3_Interpreter_FOUND)
                        PROPERTIES TIMEOUT 300)
   set_tests_properties(convert_gltf_validator_reports_no_errors PROPERTIES SKIP_RETURN_CODE 77)
 endif()
+
+# A stand-in plug-in for the command's tests, loaded with dlopen as the real one.
+add_library(convert_test_plugin SHARED ${CMAKE_CURRENT_SOURCE_DIR}/convert_test_plugin.cpp)
+target_link_libraries(convert_test_plugin PRIVATE vmi_core)
+if(TARGET ConvertCommand_test)
+  add_dependencies(ConvertCommand_test convert_test_plugin velmora)
+  target_compile_definitions(ConvertCommand_test PRIVATE
+    CONVERT_TEST_PLUGIN="$<TARGET_FILE:convert_test_plugin>")
+endif()

@@ -1,0 +1,182 @@
+#include "cli/ConvertCommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "cli/ExitCode.h"
+#include "cli/GltfWriter.h"
+#include "cli/ObjWriter.h"
+#include "cli/PlyWriter.h"
+#include "cli/PluginImport.h"
+#include "cli/SceneCollector.h"
+#include "cli/StlWriter.h"
+
+namespace {
+
+std::string help_footer()
+{
+    return
+    "Formats, by OUT's extension:\n"
+    "  .glb, .gltf  glTF 2.0 (binary, or text with the buffer embedded): the group tree\n"
+    "               with names and placements, triangle meshes, curves sampled to line\n"
+    "               strips, point clouds as POINTS primitives with their colours in COLOR_0.\n"
+    "  .obj         one group per item (its mangled name), faces, sampled curves as lines,\n"
+    "               points; vertex colours after x y z.\n"
+    "  .ply         binary: one vertex list with red, green, blue; faces, sampled curves as\n"
+    "               edges, point clouds as vertices.\n"
+    "  .stl         binary: the triangles of the meshes only.\n"
+    "Units: the archive counts millimetres, glTF metres, so the glTF root node scales\n"
+    "by 0.001; OBJ, PLY and STL stay in millimetres. --scale S replaces either.\n"
+    "Curves arrive as NURBS; no output format holds one, so each is sampled: " +
+    std::to_string(SceneCurve::samples_per_span) + " points\nper knot span (the span ends for a polyline), at most " +
+    std::to_string(SceneCurve::max_samples) + " per curve.\n"
+    "OBJ, PLY and STL have no hierarchy: every placement is applied to the geometry.\n"
+    "Colour indices become RGB by this palette: 0 light grey, 1 red, 2 yellow, 3 green\n"
+    "(the finished model), 4 cyan, 5 blue, 6 magenta (outlines), 7 white, 8 dark grey,\n"
+    "9 light grey; no index or another index: light grey. STL keeps no colour.\n"
+    "The plug-in is bin/../lib/libvelmora2rnx.so next to velmora, or the file that\n"
+    "VELMORA_PLUGIN names.\n"
+    "Exit status: 0 written, 1 the import produced nothing, 2 wrong usage, 3 a file\n"
+    "could not be read or written.";
+}
+
+// NAME=0|1 into its parts; false when it is not one of the options or the
+// value is not 0 or 1.
+bool parse_option(const std::string& text, std::pair<std::string, int>& option)
+{
+    const std::size_t eq = text.find('=');
+    if (eq == std::string::npos) return false;
+    const std::string name = text.substr(0, eq), value = text.substr(eq + 1);
+    bool known = false;
+    for (const std::string& n : PluginImport::option_names()) known = known || n == name;
+    if (!known || (value != "0" && value != "1")) return false;
+    option = {name, value == "1" ? 1 : 0};
+    return true;
+}
+
+// Empty when path names a regular file that opens for reading, else why not.
+std::string unreadable(const std::string& path)
+{
+    std::error_code ec;
+    if (!std::filesystem::exists(path, ec)) return "no such file";
+    if (!std::filesystem::is_regular_file(path, ec)) return "not a regular file";
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return std::strerror(errno);
+    return {};
+}
+
+} // namespace
+
+CLI::App* ConvertCommand::add_to(CLI::App& app, ConvertCommand& command)
+{
+    CLI::App* cmd = app.add_subcommand(
+        "convert", "Import an archive through the plug-in and write what the host received as "
+                   "glTF, OBJ, PLY or STL, by the output's extension");
+    cmd->add_option("--option", command.options,
+                    "Set an option of the plug-in before the read: vmiOptProcessScanData, "
+                    "vmiOptProcessImageData or vmiOptProcessOrthoticData, =0 or =1 (repeatable)")
+        ->type_name("NAME=0|1")
+        ->allow_extra_args(false);
+    cmd->add_option("--scale", command.scale,
+                    "Multiply every coordinate by S (default 0.001 for glTF, 1 otherwise)")
+        ->type_name("S");
+    cmd->add_option("file", command.file, "The archive to import")->required()->type_name("FILE.vlm");
+    cmd->add_option("-o,--output", command.output, "The file to write; its extension picks the format")
+        ->required()
+        ->type_name("OUT");
+    cmd->footer(help_footer());
+    return cmd;
+}
+
+ConvertCommand::Format ConvertCommand::format_of(const std::string& path)
+{
+    std::string ext = std::filesystem::path(path).extension().string();
+    for (char& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    if (ext == ".glb") return Format::glb;
+    if (ext == ".gltf") return Format::gltf;
+    if (ext == ".obj") return Format::obj;
+    if (ext == ".ply") return Format::ply;
+    if (ext == ".stl") return Format::stl;
+    return Format::unknown;
+}
+
+double ConvertCommand::default_scale(Format f)
+{
+    return f == Format::glb || f == Format::gltf ? GltfWriter::millimetres_to_metres : 1.0;
+}
+
+std::string ConvertCommand::write_scene(const Scene& scene, const std::string& path, Format f, double scale)
+{
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    if (!out) return std::strerror(errno);
+    std::string reason;
+    switch (f) {
+    case Format::glb: reason = GltfWriter::write(scene, scale, true, out); break;
+    case Format::gltf: reason = GltfWriter::write(scene, scale, false, out); break;
+    case Format::obj: reason = ObjWriter::write(scene, scale, out); break;
+    case Format::ply: reason = PlyWriter::write(scene, scale, out); break;
+    case Format::stl: reason = StlWriter::write(scene, scale, out); break;
+    case Format::unknown: reason = "unknown output format"; break;
+    }
+    out.close();
+    if (reason.empty() && !out) reason = "cannot write";
+    if (!reason.empty()) {
+        // No half-written file is left behind to pass for a result.
+        std::error_code ec;
+        std::filesystem::remove(path, ec);
+    }
+    return reason;
+}
+
+int ConvertCommand::run(std::ostream&, std::ostream& err) const
+{
+    const Format f = format_of(output);
+    if (f == Format::unknown) {
+        err << "velmora convert: " << output
+            << ": unknown output format (use .glb, .gltf, .obj, .ply or .stl)\n";
+        return exit_usage;
+    }
+    std::vector<std::pair<std::string, int>> parsed;
+    for (const std::string& o : options) {
+        std::pair<std::string, int> p;
+        if (!parse_option(o, p)) {
+            err << "velmora convert: --option " << o
+                << ": expected vmiOptProcessScanData, vmiOptProcessImageData or "
+                   "vmiOptProcessOrthoticData =0 or =1\n";
+            return exit_usage;
+        }
+        parsed.push_back(p);
+    }
+    if (scale && !(std::isfinite(*scale) && *scale > 0.0)) {
+        err << "velmora convert: --scale " << *scale << ": expected a finite number above 0\n";
+        return exit_usage;
+    }
+    if (const std::string why = unreadable(file); !why.empty()) {
+        err << "velmora convert: " << file << ": cannot read: " << why << '\n';
+        return exit_unreadable;
+    }
+    SceneCollector collector(std::filesystem::path(file).stem().string());
+    std::string reason;
+    switch (PluginImport::import_archive(file, parsed, collector, reason, library)) {
+    case PluginImport::no_library:
+        err << "velmora convert: cannot load the plug-in: " << reason << '\n';
+        return exit_unreadable;
+    case PluginImport::nothing_imported:
+        err << "velmora convert: " << file << ": the import produced nothing\n";
+        return exit_nothing_imported;
+    case PluginImport::imported: break;
+    }
+    if (const std::string why = write_scene(collector.scene(), output, f, scale.value_or(default_scale(f)));
+        !why.empty()) {
+        err << "velmora convert: " << output << ": cannot write: " << why << '\n';
+        return exit_unreadable;
+    }
+    return exit_success;
+}

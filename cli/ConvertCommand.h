@@ -1,0 +1,48 @@
+#pragma once
+// ConvertCommand: `velmora convert [--option NAME=0|1]... [--scale S] FILE.vlm
+// -o OUT`. Imports the archive through the plug-in as a host does (see
+// PluginImport.h), gathers what the walk delivered into a Scene and writes it
+// by OUT's extension: .glb / .gltf, .obj, .ply or .stl (binary).
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+struct Scene;
+
+class ConvertCommand {
+public:
+    // Exit status: the import produced nothing (read_input gave 0).
+    static constexpr int exit_nothing_imported = 1;
+
+    enum class Format { glb, gltf, obj, ply, stl, unknown };
+
+    std::string file;
+    std::string output;
+    // NAME=0|1, each as given.
+    std::vector<std::string> options;
+    std::optional<double> scale;
+    // The plug-in to load; empty for PluginImport::library_path().
+    std::string library;
+
+    // Registers the subcommand "convert" with its options, help and footer;
+    // app.got_subcommand("convert") then says to call run().
+    static CLI::App* add_to(CLI::App& app, ConvertCommand& command);
+
+    // Exit status: 0 written, 1 the import produced nothing, 2 wrong usage
+    // (unknown output format or option, a bad value), 3 a file could not be
+    // read or written or the plug-in could not be loaded. Diagnostics go to
+    // err, one line naming the file and the reason.
+    int run(std::ostream& out, std::ostream& err) const;
+
+    // The format of a file name's extension, in any letter case.
+    static Format format_of(const std::string& path);
+    // The scale a format is written at unless the user gives one: glTF counts
+    // metres, the others keep the archive's millimetres.
+    static double default_scale(Format f);
+    // Writes scene to path in format f; empty on success, else the reason.
+    static std::string write_scene(const Scene& scene, const std::string& path, Format f, double scale);
+};
