@@ -1,6 +1,9 @@
 #include "archive/vmiFile.h"
 
+#include <new>
+
 #include "archive/vmiArchiveElement.h"
+#include "archive/vmiNode.h"
 #include "archive/vmiReadObserver.h"
 #include "host/qozUnZip.h"
 
@@ -8,8 +11,8 @@ vmiFile::vmiFile() = default;
 
 vmiFile::~vmiFile()
 {
-    // The node tree (root_) and the contour records it owns are released here
-    // once the tree exists; until then root_ stays null.
+    // The tree takes its objects and contour records with it.
+    delete root_;
     catalogue_.free();
     archive_.free();
 }
@@ -21,9 +24,25 @@ int vmiFile::num_objects() const
 
 int vmiFile::read(utString file_name)
 {
+    int result = 0;
+    try {
+        read_entries(file_name);
+        result = num_objects() > 0;
+    } catch (...) {
+        // Out of memory part way (nothing else is thrown): the read fails;
+        // what the tree holds so far stays until the file is destroyed.
+        catalogue_.free();
+    }
+    // Data entries after the last catalogue have no catalogue to serve.
+    archive_.free();
+    return result;
+}
+
+void vmiFile::read_entries(const utString& file_name)
+{
     qozUnZip unzip;
     if (!unzip.open(file_name))
-        return 0;
+        return;
     while (unzip.next_archive()) {
         utString name = unzip.archive_name();
         int type = 0;
@@ -37,9 +56,6 @@ int vmiFile::read(utString file_name)
         else if (observer_)
             observer_->entry(name, type, indx, unzip.archive_size(), nullptr, 0, 0);
     }
-    // Data entries after the last catalogue have no catalogue to serve.
-    archive_.free();
-    return num_objects() > 0;
 }
 
 void vmiFile::read_catalogue_entry(std::istream& in, const utString& name, const int& indx,

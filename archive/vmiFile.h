@@ -8,18 +8,23 @@
 // Split by concern: vmiFile.cpp (reading the archive, entry names, numbers
 // from text), vmiFile_zip.cpp (the chunk chain of a data entry),
 // vmiFile_dat.cpp (the cursor readers and the height-grid record),
-// vmiFile_vlk.cpp (the catalogue parser).
+// vmiFile_vlk.cpp (the catalogue parser), vmiFile_node.cpp (the node tree
+// built from the catalogue), vmiFile_scan.cpp (scan models and scan images).
 #include <cstdint>
 #include <istream>
 
 #include "archive/vmiArchiveDir.h"
 #include "archive/vmiVlk.h"
 #include "host/apByteOrderHandler.h"
+#include "host/qorabsTranslatorcoPrf.h"
 #include "host/utString.h"
 
+class qorabsContext;
 class vmiBaseGrid;
 class vmiNode;
+class vmiObject;
 class vmiReadObserver;
+class vmiVelmcontur;
 class vmiVlkElement;
 
 class vmiFile {
@@ -42,6 +47,16 @@ public:
     static constexpr std::int64_t input_piece = std::int64_t(1) << 20;
     // The catalogue is read into a buffer of this size; a longer one is cut.
     static constexpr int catalogue_buffer = 10000;
+    // A scan image of more pixels than a grid may hold nodes
+    // (vmiBaseGrid::max_nodes, each size on its own too) is not read: its
+    // points and colours would take some 28 bytes a pixel.
+    static constexpr long long max_image_pixels = 1LL << 23;
+
+    // The three options in the host's resource table (default 1), read each
+    // time a catalogue is turned into nodes.
+    static constexpr const char* opt_process_scan_data = "vmiOptProcessScanData";
+    static constexpr const char* opt_process_image_data = "vmiOptProcessImageData";
+    static constexpr const char* opt_process_orthotic_data = "vmiOptProcessOrthoticData";
 
     vmiFile();
     ~vmiFile();
@@ -119,6 +134,40 @@ public:
     vmiArchiveDir& archive() { return archive_; }
     vmiVlk& catalogue() { return catalogue_; }
 
+    // The node tree: the catalogue's records turned into groups and objects
+    // (the options read from the resource table first). The root and the
+    // current level-1 group carry over to the next catalogue.
+    void fill_node();
+    // The object of data entry indx: a scan model ("PCSC") or a scan image
+    // ("PCIM") when its option is on; null otherwise. New, the caller's.
+    vmiObject* extract_obj(const int& indx);
+    // The contour record of data entry indx ("0001" text) over grid, with
+    // counter as its identifier; null when the orthotic option is off or the
+    // entry is missing or of another kind. Takes grid (may be null) in every
+    // case: the record keeps it, or it is deleted.
+    vmiVelmcontur* extract_velmcontur_data(const int& indx, const int& counter, vmiBaseGrid* grid);
+    // The scan readers, with the cursor right behind the magic: a grid object
+    // "PSCS_<num_objects()>", a cloud object "PCIM_<num_objects()>"; null on
+    // negative sizes or spacings (and for an image beyond max_image_pixels).
+    vmiObject* create_triblock_from_pscs();
+    vmiObject* create_cloud_from_pcim();
+    // Lays the tree out (check_shear from 0.0) and gives the root's group
+    // translator; empty without a root. The index is not used.
+    qorabsTranslatorcoPrf make_translator(const qorabsContext& context, int index);
+    // Forwarded to the root; null / 0 without one.
+    vmiNode* find_node(const utString& name);
+    vmiObject* find_obj(const utString& name);
+    int common_no_of_obj();
+    int common_no_of_obj(const int& level);
+    vmiNode* root() const { return root_; }
+    // The options as the last fill_node read them (1 before any).
+    bool scan_data_on() const { return scan_on_; }
+    bool image_data_on() const { return image_on_; }
+    bool orthotic_data_on() const { return orthotic_on_; }
+    // The data offset of the last scan object, kept for image records.
+    int scan_data_offset() const { return scan_data_offset_; }
+    int contour_counter() const { return contour_counter_; }
+
 private:
     struct vlk_outcome {
         bool found = false;      // the catalogue element (type 2, number 0) exists
@@ -129,15 +178,22 @@ private:
                               std::int64_t stored_size);
     void read_data_entry(std::istream& in, const utString& name, const int& indx,
                          std::int64_t stored_size);
-    // The node tree is built here from the parsed catalogue records (with the
-    // root and the current level-1 node surviving from one catalogue to the
-    // next). It does not exist yet: today this builds nothing, so read
-    // reports 0 for every archive.
-    void build_nodes_from_catalogue();
+    void read_entries(const utString& file_name);
+    struct fill_state;
+    void read_options();
+    void fill_level1(const vmiVlkElement& e, fill_state& s);
+    void fill_level2(const vmiVlkElement& e, fill_state& s);
+    void fill_scan(const vmiVlkElement& e, fill_state& s);
+    void fill_model(const vmiVlkElement& e, fill_state& s);
+    // The data buffer of entry indx under the cursor when it starts with
+    // magic; false (cursor left) otherwise.
+    bool select_dat(const int& indx, const char* magic);
 
+    // The contour records the tree builds are owned by their model nodes,
+    // so the file keeps no array of them beside the tree.
     [[maybe_unused]] int unused_ = 0;
-    [[maybe_unused]] int scan_data_offset_ = 0;
-    [[maybe_unused]] int contour_counter_ = 0;
+    int scan_data_offset_ = 0;
+    int contour_counter_ = 0;
     apByteOrderHandler byte_order_{0, 0};
     char* pos_ = nullptr;
     char* start_ = nullptr;
@@ -147,11 +203,13 @@ private:
     vmiVlk catalogue_;
     char* vlk_pos_ = nullptr;
     char* vlk_end_ = nullptr;
-    // Root of the node tree and the current level-1 group: null until the
-    // node tree is built from the catalogue (build_nodes_from_catalogue).
-    // The contour records the tree owns will live beside them.
+    // Root of the node tree (owned) and the current level-1 group: null
+    // until a level-1 record is met.
     vmiNode* root_ = nullptr;
-    [[maybe_unused]] vmiNode* current_level1_ = nullptr;
+    vmiNode* current_level1_ = nullptr;
+    bool scan_on_ = true;
+    bool image_on_ = true;
+    bool orthotic_on_ = true;
     vmiReadObserver* observer_ = nullptr;
     // The catalogue entry being processed, for the observer.
     utString vlk_name_;

@@ -15,14 +15,7 @@ void vmiFile::proc_vlk()
                              catalogue_.first(), archive_);
     // Without a separator line there are no records and no nodes.
     if (outcome.separator)
-        build_nodes_from_catalogue();
-}
-
-void vmiFile::build_nodes_from_catalogue()
-{
-    // The node tree (root "Data Base", level-1 and level-2 groups, scan and
-    // model groups with their objects) is built here from catalogue_ against
-    // archive_. It does not exist yet, so nothing is built and root_ stays null.
+        fill_node();
 }
 
 vmiFile::vlk_outcome vmiFile::parse_vlk()

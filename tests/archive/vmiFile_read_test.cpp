@@ -137,7 +137,8 @@ TEST(Read, CatalogueBeforeItsDataEntriesFindsNone)
     a.add("00000.vlk", one_scan_catalogue(5));
     a.add("VLM00005.dat", vlm::chunk("PCSC"));
     recorder rec;
-    EXPECT_EQ(read_with(a, rec, "catalogue_first.vlm"), 0);
+    // The level-1 record still makes the root; the scan finds no data.
+    EXPECT_EQ(read_with(a, rec, "catalogue_first.vlm"), 1);
     ASSERT_EQ(rec.catalogues.size(), 1u);
     EXPECT_EQ(rec.catalogues[0].levels, (std::vector<int>{1, 2, 3}));
     EXPECT_EQ(rec.catalogues[0].data_found, std::vector<int>{0});
@@ -166,7 +167,8 @@ TEST(Read, CatalogueNumberedOtherThanZeroIsNotFoundAndItsDataIsDiscarded)
     a.add("ABCD00001.vlk", one_scan_catalogue(5));
     a.add("00000.vlk", one_scan_catalogue(5));
     recorder rec;
-    EXPECT_EQ(read_with(a, rec, "catalogue_numbered_1.vlm"), 0);
+    // The second catalogue's level-1 record makes the root.
+    EXPECT_EQ(read_with(a, rec, "catalogue_numbered_1.vlm"), 1);
     ASSERT_EQ(rec.catalogues.size(), 2u);
     EXPECT_EQ(rec.catalogues[0].indx, 1);
     EXPECT_FALSE(rec.catalogues[0].found);

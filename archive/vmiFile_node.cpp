@@ -1,0 +1,265 @@
+// vmiFile: the node tree built from a parsed catalogue. Level-1 and level-2
+// records make the groups; a level-3 record of a scan or image hangs one
+// object under the scan group of the current level-2 group, one of an
+// orthotic model a contour record under its model group. The three options
+// of the host's resource table decide which records are taken.
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "archive/vmiArchiveElement.h"
+#include "archive/vmiFile.h"
+#include "archive/vmiNode.h"
+#include "archive/vmiObject.h"
+#include "archive/vmiVlkElement.h"
+#include "contour/vmiVelmcontur.h"
+#include "grid/vmiBaseGrid.h"
+#include "host/qorResourceTable.h"
+
+namespace {
+
+// Scan records of a type2 beyond this are not taken; up to scan_type2_max
+// they are scans, above it images.
+constexpr int scan_type2_max = 102;
+constexpr int image_type2_max = 205;
+// The objects of one catalogue get levels from this one on, a scan's image
+// the level of its scan.
+constexpr int first_scan_level = 10;
+
+// The side a type2 names (modulo 100: 1 left, 2 right); any other value
+// leaves the side as it was.
+void set_side(utString& side, const int& type2)
+{
+    const int r = type2 % 100;
+    if (r == 2)
+        side = "(RIGHT)_";
+    else if (r == 1)
+        side = "(LEFT)_";
+}
+
+// A new group under parent; null when it cannot be allocated.
+vmiNode* add_group(vmiNode* parent, utString name, const int& type)
+{
+    vmiNode* node = new (std::nothrow) vmiNode(std::move(name), type);
+    if (node)
+        parent->add(node);
+    return node;
+}
+
+} // namespace
+
+// What one catalogue's records share while they are turned into nodes.
+struct vmiFile::fill_state {
+    // Level-2 groups met before any level-1 group belong nowhere in the tree;
+    // they are kept here, with what hangs on them, until the catalogue is done.
+    vmiNode detached;
+    vmiNode* level2 = nullptr;
+    vmiNode* scan_group = nullptr;
+    vmiNode* model_group = nullptr;
+    utString title;
+    utString side;
+    utString latest;   // the latest name built, given to an image's node
+    int level_counter = first_scan_level;
+    int last_scan_level = 0;
+    int scan_offset = 0;
+};
+
+void vmiFile::read_options()
+{
+    qorResourceTable* table = qor_resource_table_inquire();
+    auto on = [table](const char* key) {
+        return !table || table->bool_value(utBoolcoResourceKey(utString(key)), 1) != 0;
+    };
+    scan_on_ = on(opt_process_scan_data);
+    image_on_ = on(opt_process_image_data);
+    orthotic_on_ = on(opt_process_orthotic_data);
+}
+
+void vmiFile::fill_node()
+{
+    read_options();
+    fill_state s;
+    for (vmiVlkElement* e = catalogue_.first(); e; e = e->next()) {
+        if (e->level() == 1)
+            fill_level1(*e, s);
+        else if (e->level() == 2)
+            fill_level2(*e, s);
+        else if (e->level() == 3 && e->type1() == 1)
+            fill_scan(*e, s);
+        else if (e->level() == 3 && e->type1() == 3)
+            fill_model(*e, s);
+    }
+}
+
+void vmiFile::fill_level1(const vmiVlkElement& e, fill_state& s)
+{
+    if (!root_)
+        root_ = new (std::nothrow) vmiNode(utString("Data Base"), vmiNode::group_type);
+    if (!root_)
+        return;
+    utString name = e.name0() + utString(",") + e.name1();
+    vmiNode* node = add_group(root_, name, vmiNode::group_type);
+    if (!node)
+        return;
+    s.latest = name;
+    current_level1_ = node;
+}
+
+void vmiFile::fill_level2(const vmiVlkElement& e, fill_state& s)
+{
+    utString name = e.name1() + utString(" : ") + e.name0();
+    s.level2 = add_group(current_level1_ ? current_level1_ : &s.detached, name, vmiNode::level2_type);
+    s.scan_group = nullptr;
+    s.model_group = nullptr;
+    s.title = e.name1();
+    s.latest = name;
+}
+
+void vmiFile::fill_scan(const vmiVlkElement& e, fill_state& s)
+{
+    // Before any level-2 group a record has no group to hang on.
+    if ((!scan_on_ && !image_on_) || !s.level2)
+        return;
+    const int type2 = e.type2();
+    if (type2 > image_type2_max)
+        return;
+    if (!s.scan_group)
+        s.scan_group = add_group(s.level2, utString("VelmScan(") + s.title + utString(")"),
+                                 vmiNode::scan_group_type);
+    if (!s.scan_group)
+        return;
+    if (type2 <= scan_type2_max) {
+        set_side(s.side, type2);
+        if (scan_on_) {
+            vmiObject* object = extract_obj(e.data_indx());
+            if (!object)
+                return;
+            utString name = utString("SCAN_") + s.side + e.date();
+            vmiNode* node = add_group(s.scan_group, name, vmiNode::scan_type);
+            if (!node) {
+                delete object;
+                return;
+            }
+            object->level(s.level_counter);
+            object->layer_name(name);
+            object->name(name);
+            s.scan_offset = object->data_offset();
+            node->add(object);
+            s.latest = name;
+            s.last_scan_level = s.level_counter++;
+            return;
+        }
+    }
+    if (!image_on_)
+        return;
+    // An image keeps the side, the level and the name of the scan before it.
+    scan_data_offset_ = s.scan_offset;
+    vmiObject* object = extract_obj(e.data_indx());
+    if (!object)
+        return;
+    vmiNode* node = add_group(s.scan_group, s.latest, vmiNode::scan_type);
+    if (!node) {
+        delete object;
+        return;
+    }
+    object->level(s.last_scan_level);
+    object->layer_name(s.latest);
+    object->name(utString("IMAGE_") + s.side + e.date());
+    node->add(object);
+}
+
+void vmiFile::fill_model(const vmiVlkElement& e, fill_state& s)
+{
+    if (!orthotic_on_ || !s.level2)
+        return;
+    if (!s.model_group)
+        s.model_group = add_group(s.level2, utString("PCS models(") + s.title + utString(")"),
+                                  vmiNode::model_group_type);
+    if (!s.model_group)
+        return;
+    set_side(s.side, e.type2());
+    // The height grid comes from the data of the first record numbered
+    // ref_indx; without one the model is built over no grid.
+    vmiVlkElement* ref = catalogue_.get(e.ref_indx());
+    vmiBaseGrid* grid = ref ? get_base_grid(ref->data_indx()) : nullptr;
+    vmiVelmcontur* record = extract_velmcontur_data(e.data_indx(), contour_counter_, grid);
+    if (!record)
+        return;
+    vmiNode* node = new (std::nothrow) vmiNode(utString("MODEL_") + s.side + e.date(), vmiNode::model_type);
+    if (!node) {
+        delete record;
+        return;
+    }
+    node->velmcontur(record);
+    s.model_group->add(node);
+    ++contour_counter_;
+}
+
+bool vmiFile::select_dat(const int& indx, const char* magic)
+{
+    vmiArchiveElement* e = archive_.get(1, indx);
+    if (!e)
+        return false;
+    init_dat(e->buf(), e->len());
+    return !is_end(4) && std::memcmp(start_, magic, 4) == 0;
+}
+
+vmiObject* vmiFile::extract_obj(const int& indx)
+{
+    if (select_dat(indx, "PCSC")) {
+        if (!scan_on_)
+            return nullptr;
+        pass(4);
+        return create_triblock_from_pscs();
+    }
+    if (select_dat(indx, "PCIM")) {
+        if (!image_on_)
+            return nullptr;
+        pass(4);
+        return create_cloud_from_pcim();
+    }
+    return nullptr;
+}
+
+vmiVelmcontur* vmiFile::extract_velmcontur_data(const int& indx, const int& counter, vmiBaseGrid* grid)
+{
+    std::unique_ptr<vmiBaseGrid> owned(grid);
+    if (!orthotic_on_ || !select_dat(indx, "0001"))
+        return nullptr;
+    // The record parses the whole text, magic included, and keeps the grid.
+    vmiBaseGrid* kept = owned.release();
+    vmiVelmcontur* record = new (std::nothrow) vmiVelmcontur(start_, len_, counter, kept);
+    if (!record)
+        delete kept;
+    return record;
+}
+
+qorabsTranslatorcoPrf vmiFile::make_translator(const qorabsContext& context, int index)
+{
+    (void)index;
+    if (!root_)
+        return {};
+    double offset = 0.0;
+    root_->check_shear(offset);
+    return root_->make_translator(context);
+}
+
+vmiNode* vmiFile::find_node(const utString& name)
+{
+    return root_ ? root_->find_node(name) : nullptr;
+}
+
+vmiObject* vmiFile::find_obj(const utString& name)
+{
+    return root_ ? root_->find_obj(name) : nullptr;
+}
+
+int vmiFile::common_no_of_obj()
+{
+    return root_ ? root_->common_no_of_obj() : 0;
+}
+
+int vmiFile::common_no_of_obj(const int& level)
+{
+    return root_ ? root_->common_no_of_obj(level) : 0;
+}

@@ -1,0 +1,102 @@
+// vmiFile: the scan data of an archive. A scan model ("PCSC") is a height
+// grid that becomes a triangle block; a scan image ("PCIM") is a grey-level
+// picture that becomes a flat coloured point cloud lying under the model.
+// Both readers start with the cursor right behind the 4-byte magic.
+#include <new>
+#include <string>
+
+#include "archive/vmiFile.h"
+#include "archive/vmiObjCloud.h"
+#include "archive/vmiObjGrid.h"
+#include "archive/vmiObject.h"
+#include "curves/m03DPoint.h"
+#include "grid/vmiBaseGrid.h"
+
+namespace {
+
+// Where the fields of a scan image lie behind its magic.
+constexpr int image_sizes_at = 8;        // width, height
+constexpr int image_spacings_gap = 12;   // unread bytes between height and sx
+constexpr int image_pixels_gap = 468;    // unread bytes between the spacings and the pixels
+// The image lies this far below the model.
+constexpr double image_plane_z = -5.0;
+// Pure white is drawn a light grey.
+constexpr int white = 255;
+constexpr int white_shown_as = 240;
+// A grey level copied into the red, green and blue bytes: 0x00gggggg.
+constexpr int grey_to_rgb = 65793;
+
+// A record handle over rec, or null (and rec deleted) when it cannot be had.
+template <class Record>
+vmiObject* wrap(Record* rec)
+{
+    if (!rec)
+        return nullptr;
+    vmiObject* object = new (std::nothrow) vmiObject(rec);
+    if (!object)
+        delete rec;
+    return object;
+}
+
+} // namespace
+
+vmiObject* vmiFile::create_triblock_from_pscs()
+{
+    utString name = utString("PSCS_") + utString(std::to_string(num_objects()));
+    vmiBaseGrid* grid = create_base_grid();
+    if (!grid)
+        return nullptr;
+    vmiObjGrid* rec = new (std::nothrow) vmiObjGrid(std::move(name), grid);
+    if (!rec) {
+        delete grid;
+        return nullptr;
+    }
+    return wrap(rec);
+}
+
+vmiObject* vmiFile::create_cloud_from_pcim()
+{
+    utString name = utString("PCIM_") + utString(std::to_string(num_objects()));
+    pass(image_sizes_at);
+    const int width = int32();
+    const int height = int32();
+    pass(image_spacings_gap);
+    const float sx = real32();
+    const float sy = real32();
+    const float sz = real32();
+    pass(image_pixels_gap);
+    if (width < 0 || height < 0 || sx < 0 || sy < 0 || sz < 0)
+        return nullptr;
+    if (!vmiBaseGrid::size_allowed(width, height) ||
+        static_cast<long long>(width) * height > max_image_pixels)
+        return nullptr;
+    const std::size_t n = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    m03DPoint* points = new (std::nothrow) m03DPoint[n];
+    int* colours = new (std::nothrow) int[n];
+    if (!points || !colours) {
+        delete[] points;
+        delete[] colours;
+        return nullptr;
+    }
+    std::size_t k = 0;
+    for (int j = 0; width > 0 && j < height; ++j) {
+        for (int i = 0; i < width; ++i, ++k) {
+            // Missing pixels (a truncated record) read as black.
+            int g = byte();
+            if (g == white)
+                g = white_shown_as;
+            colours[k] = g * grey_to_rgb;
+            // Each product in single precision, then widened.
+            const float x = static_cast<float>(i) * sx;
+            const float y = static_cast<float>(j) * sy;
+            points[k] = m03DPoint(static_cast<double>(x), static_cast<double>(y), image_plane_z);
+        }
+    }
+    vmiObjCloud* rec = new (std::nothrow) vmiObjCloud(std::move(name), points, colours, static_cast<int>(n));
+    if (!rec) {
+        delete[] points;
+        delete[] colours;
+        return nullptr;
+    }
+    return wrap(rec);
+}
