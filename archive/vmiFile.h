@@ -51,6 +51,12 @@ public:
     // (vmiBaseGrid::max_nodes, each size on its own too) is not read: its
     // points and colours would take some 28 bytes a pixel.
     static constexpr long long max_image_pixels = 1LL << 23;
+    // The most grid nodes and image pixels the tree of one file may hold,
+    // scans, images and the grids of the orthotic models together (some 400
+    // MB of points). A catalogue may name the same large entry again and
+    // again; a record whose points would pass the budget is skipped. Real
+    // archives hold a few scans and models of well under a million each.
+    static constexpr long long max_tree_points = 1LL << 24;
 
     // The three options in the host's resource table (default 1), read each
     // time a catalogue is turned into nodes.
@@ -167,6 +173,10 @@ public:
     // The data offset of the last scan object, kept for image records.
     int scan_data_offset() const { return scan_data_offset_; }
     int contour_counter() const { return contour_counter_; }
+    // The points the tree holds, and the budget for them (max_tree_points;
+    // tests lower it).
+    long long tree_points() const { return tree_points_; }
+    void set_point_budget(long long budget) { point_budget_ = budget; }
 
 private:
     struct vlk_outcome {
@@ -188,6 +198,11 @@ private:
     // The data buffer of entry indx under the cursor when it starts with
     // magic; false (cursor left) otherwise.
     bool select_dat(const int& indx, const char* magic);
+    // The points a scan record at the cursor declares (its two sizes behind
+    // the magic), 0 for a negative size; the cursor does not move.
+    long long declared_points();
+    // Whether n more points fit the budget; if so they are counted.
+    bool take_points(const long long& n);
 
     // The contour records the tree builds are owned by their model nodes,
     // so the file keeps no array of them beside the tree.
@@ -207,6 +222,8 @@ private:
     // until a level-1 record is met.
     vmiNode* root_ = nullptr;
     vmiNode* current_level1_ = nullptr;
+    long long tree_points_ = 0;
+    long long point_budget_ = max_tree_points;
     bool scan_on_ = true;
     bool image_on_ = true;
     bool orthotic_on_ = true;

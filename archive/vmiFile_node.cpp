@@ -10,6 +10,7 @@
 #include "archive/vmiArchiveElement.h"
 #include "archive/vmiFile.h"
 #include "archive/vmiNode.h"
+#include "archive/vmiObjGrid.h"
 #include "archive/vmiObject.h"
 #include "archive/vmiVlkElement.h"
 #include "contour/vmiVelmcontur.h"
@@ -35,6 +36,22 @@ void set_side(utString& side, const int& type2)
         side = "(RIGHT)_";
     else if (r == 1)
         side = "(LEFT)_";
+}
+
+long long grid_points(vmiBaseGrid* grid)
+{
+    return grid ? static_cast<long long>(grid->x_size()) * grid->y_size() : 0;
+}
+
+// The grid nodes a contour record keeps: its grid objects and, when it was
+// not finished, its working and base grids.
+long long model_points(vmiVelmcontur* record)
+{
+    long long n = grid_points(record->working_grid()) + grid_points(record->base_grid());
+    for (vmiObject* o : record->objects())
+        if (o && o->grid())
+            n += grid_points(o->grid()->grid());
+    return n;
 }
 
 // A new group under parent; null when it cannot be allocated.
@@ -185,6 +202,12 @@ void vmiFile::fill_model(const vmiVlkElement& e, fill_state& s)
     vmiVelmcontur* record = extract_velmcontur_data(e.data_indx(), contour_counter_, grid);
     if (!record)
         return;
+    // A model's grids are known once it is built; one the budget cannot
+    // take is dropped again.
+    if (!take_points(model_points(record))) {
+        delete record;
+        return;
+    }
     vmiNode* node = new (std::nothrow) vmiNode(utString("MODEL_") + s.side + e.date(), vmiNode::model_type);
     if (!node) {
         delete record;
@@ -204,21 +227,41 @@ bool vmiFile::select_dat(const int& indx, const char* magic)
     return !is_end(4) && std::memcmp(start_, magic, 4) == 0;
 }
 
+long long vmiFile::declared_points()
+{
+    char* at = pos_;
+    pass(8);
+    const long long nx = int32();
+    const long long ny = int32();
+    pos_ = at;
+    return nx > 0 && ny > 0 ? nx * ny : 0;
+}
+
+bool vmiFile::take_points(const long long& n)
+{
+    if (n > point_budget_ - tree_points_)
+        return false;
+    tree_points_ += n;
+    return true;
+}
+
 vmiObject* vmiFile::extract_obj(const int& indx)
 {
-    if (select_dat(indx, "PCSC")) {
-        if (!scan_on_)
-            return nullptr;
-        pass(4);
-        return create_triblock_from_pscs();
-    }
-    if (select_dat(indx, "PCIM")) {
-        if (!image_on_)
-            return nullptr;
-        pass(4);
-        return create_cloud_from_pcim();
-    }
-    return nullptr;
+    const bool model = select_dat(indx, "PCSC");
+    if (!model && !select_dat(indx, "PCIM"))
+        return nullptr;
+    if (!(model ? scan_on_ : image_on_))
+        return nullptr;
+    pass(4);
+    // The points are counted before they are made: a record the budget
+    // cannot take is not read at all.
+    const long long points = declared_points();
+    if (points > point_budget_ - tree_points_)
+        return nullptr;
+    vmiObject* object = model ? create_triblock_from_pscs() : create_cloud_from_pcim();
+    if (object)
+        take_points(points);
+    return object;
 }
 
 vmiVelmcontur* vmiFile::extract_velmcontur_data(const int& indx, const int& counter, vmiBaseGrid* grid)

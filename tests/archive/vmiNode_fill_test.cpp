@@ -424,3 +424,33 @@ TEST(FillNode, CatalogueOf100000RecordsIsWalkedOnASmallStack)
     EXPECT_NE(w.found, nullptr);
     EXPECT_EQ(w.missing, nullptr);
 }
+
+TEST(FillNode, RecordsWhosePointsWouldPassTheTreesBudgetAreSkipped)
+{
+    // The budget is lowered to 10 points: two 2 x 2 scans fit, a third scan
+    // and the image do not, nor does a model with its grids.
+    vmiFile f;
+    EXPECT_EQ(vmiFile::max_tree_points, 1LL << 24);
+    f.set_point_budget(10);
+    process(f, {{5, scan()}, {6, image()}, {8, design()}},
+            groups()
+                .level3(1, 1, 0, 101, "a", "", "", 5)
+                .level3(1, 2, 0, 101, "b", "", "", 5)
+                .level3(1, 3, 0, 101, "c", "", "", 5)
+                .level3(1, 4, 0, 201, "i", "", "", 6)
+                .level3(3, 5, 0, 1, "m", "", "", 8));
+    EXPECT_NE(f.find_node(utString("SCAN_(LEFT)_a")), nullptr);
+    EXPECT_NE(f.find_node(utString("SCAN_(LEFT)_b")), nullptr);
+    EXPECT_EQ(f.find_node(utString("SCAN_(LEFT)_c")), nullptr);
+    EXPECT_EQ(f.find_obj(utString("IMAGE_(LEFT)_i")), nullptr);
+    EXPECT_EQ(f.find_node(utString("MODEL_(LEFT)_m")), nullptr);
+    EXPECT_EQ(f.contour_counter(), 0);
+    EXPECT_EQ(f.tree_points(), 8);
+    // A record that does fit is still taken after one that did not.
+    vmiFile g;
+    g.set_point_budget(7);
+    process(g, {{5, scan(3, 3)}, {6, scan(1, 1)}},
+            groups().level3(1, 1, 0, 101, "big", "", "", 5).level3(1, 2, 0, 101, "small", "", "", 6));
+    EXPECT_EQ(g.find_node(utString("SCAN_(LEFT)_big")), nullptr);
+    EXPECT_EQ(only_object(g.find_node(utString("SCAN_(LEFT)_small")))->level(), 10);
+}
