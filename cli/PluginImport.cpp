@@ -71,11 +71,13 @@ PluginImport::Outcome PluginImport::import_archive(const std::string& archive,
         reason = path + ": get_instance gave no input library";
         return no_library;
     }
-    // The library entered its options when it was loaded; the host's values
-    // go over them before the read, which looks them up.
-    qorResourceTable* table = qor_resource_table_inquire();
-    for (const auto& [name, value] : options)
-        if (table) table->set_bool(utBoolcoResourceKey(utString(name)), value);
+    // The library entered its options when it was loaded; each import starts
+    // from their defaults, and the caller's values go over them before the
+    // read, which looks them up.
+    if (qorResourceTable* table = qor_resource_table_inquire()) {
+        table->reset();
+        for (const auto& [name, value] : options) table->set_bool(utBoolcoResourceKey(utString(name)), value);
+    }
     const qorabsContext context(&app_info());
     qorabsIfStream stream{utString(archive)};
     if (!input->read_input(context, stream)) return nothing_imported;

@@ -29,8 +29,8 @@ public:
     static std::string library_path();
 
     // Imports archive through the plug-in at library (library_path() when
-    // empty), with each option (name, 0 or 1) set first, and walks the result
-    // into sink. On no_library, reason says why.
+    // empty), with every option at its default but those given (name, 0 or
+    // 1), and walks the result into sink. On no_library, reason says why.
     static Outcome import_archive(const std::string& archive,
                                   const std::vector<std::pair<std::string, int>>& options,
                                   qorabsOutputSink& sink, std::string& reason,

@@ -56,6 +56,8 @@ bool SceneCurve::is_valid() const
     const std::size_t n = points.size();
     if (order < 2 || n < static_cast<std::size_t>(order)) return false;
     if (knots.size() != n + static_cast<std::size_t>(order)) return false;
+    for (const ScenePoint& p : points)
+        if (!std::isfinite(p[0]) || !std::isfinite(p[1]) || !std::isfinite(p[2])) return false;
     for (std::size_t i = 0; i < knots.size(); ++i) {
         if (!std::isfinite(knots[i])) return false;
         if (i > 0 && knots[i] < knots[i - 1]) return false;

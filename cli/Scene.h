@@ -64,7 +64,7 @@ struct SceneCurve {
     std::vector<double> weights;
     std::vector<double> knots;
 
-    // Order at least 2, at least `order` points, points + order finite knots
+    // Order at least 2, at least `order` finite points, points + order finite knots
     // that never decrease over a domain of positive length, and, when there
     // are weights, one finite positive weight per point.
     bool is_valid() const;

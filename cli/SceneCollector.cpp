@@ -1,5 +1,6 @@
 #include "cli/SceneCollector.h"
 
+#include <cmath>
 #include <utility>
 
 #include "host/qorabsColour.h"
@@ -11,6 +12,11 @@ namespace {
 ScenePoint point_of(const giPoint3& p)
 {
     return {p.x(), p.y(), p.z()};
+}
+
+bool finite(const giPoint3& p)
+{
+    return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z());
 }
 
 } // namespace
@@ -61,11 +67,17 @@ void SceneCollector::triblock(const qorabsAttributeSet& attrs, const utString& m
     }
     SceneMesh m;
     m.info = info_of(attrs, mangled);
-    for (const giPoint3& p : block.vertices()->values()) m.vertices.push_back(point_of(p));
+    // A vertex without a finite position stands at the origin, and every
+    // triangle that uses it is dropped: no file may carry an infinity.
+    std::vector<bool> usable;
+    for (const giPoint3& p : block.vertices()->values()) {
+        usable.push_back(finite(p));
+        m.vertices.push_back(usable.back() ? point_of(p) : ScenePoint{0.0, 0.0, 0.0});
+    }
     const long long n = static_cast<long long>(m.vertices.size());
+    const auto ok = [&](int i) { return i >= 0 && i < n && usable[static_cast<std::size_t>(i)]; };
     for (const giTriangle& t : block.triangles()->values()) {
-        const bool inside = t.a() >= 0 && t.a() < n && t.b() >= 0 && t.b() < n && t.c() >= 0 && t.c() < n;
-        if (!inside) {
+        if (!ok(t.a()) || !ok(t.b()) || !ok(t.c())) {
             ++dropped_triangles_;
             continue;
         }
@@ -107,11 +119,20 @@ void SceneCollector::pointcloud(const qorabsAttributeSet& attrs, const utString&
     const annColArr* colours = data.colours();
     const int n = data.num_points();
     for (int i = 0; i < n; ++i) {
-        c.points.push_back(point_of(data.points()->get(i)));
+        const giPoint3 p = data.points()->get(i);
+        if (!finite(p)) {
+            ++dropped_points_;
+            continue;
+        }
+        c.points.push_back(point_of(p));
         // A point the colour feature does not reach is white.
         const giColour k = colours && i < colours->size() ? colours->get(i) : giColour(255, 255, 255, 0);
         c.colours.push_back({static_cast<std::uint8_t>(k.r()), static_cast<std::uint8_t>(k.g()),
                              static_cast<std::uint8_t>(k.b())});
+    }
+    if (c.points.empty()) {
+        ++skipped_items_;
+        return;
     }
     current().add(std::move(c));
 }

@@ -6,7 +6,8 @@
 //
 // An item whose conversion failed (status 1) carries no geometry and is left
 // out, as is a point cloud without points; a triangle naming a vertex the
-// block does not have is dropped. Each is counted, so that the command can say
+// block does not have, or one without a finite position, is dropped, and so is
+// a cloud's point without one. Each is counted, so that the command can say
 // what it did not write.
 #include <cstddef>
 #include <vector>
@@ -33,8 +34,11 @@ public:
     Scene take_scene() { return std::move(scene_); }
     // Items left out: failed conversions and empty point clouds.
     std::size_t skipped_items() const { return skipped_items_; }
-    // Triangles dropped for a vertex index outside their block.
+    // Triangles dropped for a vertex index outside their block or a vertex
+    // without a finite position.
     std::size_t dropped_triangles() const { return dropped_triangles_; }
+    // Cloud points dropped for a position that is not finite.
+    std::size_t dropped_points() const { return dropped_points_; }
 
 private:
     static SceneItemInfo info_of(const qorabsAttributeSet& attrs, const utString& mangled);
@@ -47,4 +51,5 @@ private:
     std::vector<SceneGroup*> open_;
     std::size_t skipped_items_ = 0;
     std::size_t dropped_triangles_ = 0;
+    std::size_t dropped_points_ = 0;
 };

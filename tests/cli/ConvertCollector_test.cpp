@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
 #include <memory>
 
 #include "archive/vmiObjAttr.h"
@@ -227,4 +229,57 @@ TEST(SceneCollector, EndGroup_UnmatchedEndKeepsTheTopOpen)
     c.curve(qorabsAttributeSet(), utString("c"), qorabsTranslationStatus(), rnxCurvePtr3());
     EXPECT_EQ(c.skipped_items(), 3u);
     EXPECT_TRUE(c.scene().top.members.empty());
+}
+
+TEST(SceneCollector, Triblock_VertexWithoutFinitePositionDropsItsTrianglesAndStandsAtTheOrigin)
+{
+    giTriBlock block;
+    auto* v = new giNodeXYZ;
+    auto* tri = new giTriArr;
+    v->add(giPoint3(0, 0, 0));
+    v->add(giPoint3(1, 0, 0));
+    v->add(giPoint3(0, 1, 0));
+    v->add(giPoint3(1, 1, std::numeric_limits<double>::infinity()));
+    tri->add(giTriangle(0, 1, 2));
+    tri->add(giTriangle(1, 3, 2));
+    block.features().insert(std::unique_ptr<giFeature>(v));
+    block.features().insert(std::unique_ptr<giFeature>(tri));
+    SceneCollector c("x");
+    c.triblock(qorabsAttributeSet(), utString("t"), qorabsTranslationStatus(), block);
+    ASSERT_EQ(c.scene().top.meshes.size(), 1u);
+    const SceneMesh& m = c.scene().top.meshes[0];
+    EXPECT_EQ(m.triangles, (std::vector<std::array<std::uint32_t, 3>>{{0, 1, 2}}));
+    EXPECT_EQ(m.vertices[3], (ScenePoint{0, 0, 0}));
+    EXPECT_EQ(c.dropped_triangles(), 1u);
+}
+
+TEST(SceneCollector, Pointcloud_PointWithoutFinitePositionIsDroppedWithItsColour)
+{
+    annPointCloudData d;
+    auto* p = new giNodeXYZ;
+    p->add(giPoint3(std::nan(""), 0, 0));
+    p->add(giPoint3(2, 2, 2));
+    auto* k = new annColArr;
+    k->add(giColour(1, 2, 3, 0));
+    k->add(giColour(4, 5, 6, 0));
+    d.features().insert(std::unique_ptr<giFeature>(p));
+    d.features().insert(std::unique_ptr<giFeature>(k));
+    SceneCollector c("x");
+    c.pointcloud(qorabsAttributeSet(), utString("cloud"), d);
+    ASSERT_EQ(c.scene().top.clouds.size(), 1u);
+    EXPECT_EQ(c.scene().top.clouds[0].points, (std::vector<ScenePoint>{{2, 2, 2}}));
+    EXPECT_EQ(c.scene().top.clouds[0].colours, (std::vector<std::array<std::uint8_t, 3>>{{4, 5, 6}}));
+    EXPECT_EQ(c.dropped_points(), 1u);
+}
+
+TEST(SceneCollector, Pointcloud_CloudOfOnlyNonFinitePointsIsLeftOut)
+{
+    annPointCloudData d;
+    auto* p = new giNodeXYZ;
+    p->add(giPoint3(0, -std::numeric_limits<double>::infinity(), 0));
+    d.features().insert(std::unique_ptr<giFeature>(p));
+    SceneCollector c("x");
+    c.pointcloud(qorabsAttributeSet(), utString("cloud"), d);
+    EXPECT_TRUE(c.scene().top.clouds.empty());
+    EXPECT_EQ(c.skipped_items(), 1u);
 }

@@ -131,9 +131,13 @@ TEST_F(ConvertCommandTest, Option_ReachesThePluginBeforeTheRead)
     const std::string obj = read(path("out.obj"));
     EXPECT_EQ(obj.find("SCAN_(LEFT)_1"), std::string::npos);
     EXPECT_NE(obj.find("LIMIT~1"), std::string::npos);
-    // The option stays in the host's table: set it back for the next test.
-    ASSERT_EQ(velmora({"convert", "--option", "vmiOptProcessScanData=1", archive_, "-o", path("b.obj")}).status,
+}
+
+TEST_F(ConvertCommandTest, Option_HoldsForOneImportOnly)
+{
+    ASSERT_EQ(velmora({"convert", "--option", "vmiOptProcessScanData=0", archive_, "-o", path("a.obj")}).status,
               exit_success);
+    ASSERT_EQ(velmora({"convert", archive_, "-o", path("b.obj")}).status, exit_success);
     EXPECT_NE(read(path("b.obj")).find("SCAN_(LEFT)_1"), std::string::npos);
 }
 

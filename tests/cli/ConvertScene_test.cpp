@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 #include "cli/ColourPalette.h"
 #include "tests/cli/SampleScene.h"
@@ -129,6 +130,9 @@ TEST(SceneCurve, Sample_InvalidCurvesGiveNothing)
     SceneCurve nan_knot = bezier();
     nan_knot.knots[5] = std::nan("");
     EXPECT_TRUE(nan_knot.sample().empty());
+    SceneCurve infinite_point = bezier();
+    infinite_point.points[1][2] = std::numeric_limits<double>::infinity();
+    EXPECT_TRUE(infinite_point.sample().empty());
     SceneCurve order_one = bezier();
     order_one.order = 1;
     order_one.knots.pop_back();

@@ -36,3 +36,17 @@ if(TARGET ConvertCommand_test)
   target_compile_definitions(ConvertCommand_test PRIVATE
     CONVERT_TEST_PLUGIN="$<TARGET_FILE:convert_test_plugin>")
 endif()
+
+# Once the plug-in is built (target velmora2rnx, build/lib/libvelmora2rnx.so),
+# the same readers check the demo archive converted end to end.
+if(Python3_Interpreter_FOUND AND TARGET velmora2rnx AND TARGET make_demo_archive)
+  set(convert_demo --demo $<TARGET_FILE:velmora> $<TARGET_FILE:make_demo_archive>)
+  add_test(NAME convert_assimp_reads_the_converted_demo
+           COMMAND ${convert_external} assimp ${CMAKE_BINARY_DIR}/convert-external/demo-assimp ${convert_demo})
+  add_test(NAME convert_gltf_validator_passes_the_converted_demo
+           COMMAND ${convert_external} validator ${CMAKE_BINARY_DIR}/convert-external/demo-validator
+                   ${CMAKE_BINARY_DIR}/npm ${convert_demo})
+  set_tests_properties(convert_assimp_reads_the_converted_demo convert_gltf_validator_passes_the_converted_demo
+                       PROPERTIES TIMEOUT 300)
+  set_tests_properties(convert_gltf_validator_passes_the_converted_demo PROPERTIES SKIP_RETURN_CODE 77)
+endif()

@@ -4,9 +4,10 @@
   convert_external.py assimp    OUTDIR SOURCE...
   convert_external.py validator OUTDIR NPM_PREFIX SOURCE...
 
-SOURCE is either `--sample WRITER` (the hand-built sample scene written by
-write_sample_scene) or `--convert VELMORA ARCHIVE` (velmora convert of an
-archive into every format).
+SOURCE is `--sample WRITER` (the hand-built sample scene written by
+write_sample_scene), `--convert VELMORA ARCHIVE` (velmora convert of an
+archive into every format) or `--demo VELMORA MAKE_DEMO_ARCHIVE` (the same for
+the demo archive, written first into OUTDIR).
 
 assimp: `assimp info` must read the .glb, .gltf, .obj, .ply and .stl files and
 find meshes in each; for the sample scene the counts are checked exactly.
@@ -47,6 +48,12 @@ def produce(outdir, source):
         if r.returncode != 0:
             fail("write_sample_scene: " + r.stderr.strip())
         return {ext: os.path.join(outdir, "sample." + ext) for ext in FORMATS}, True
+    if source[0] == "--demo":
+        archive = os.path.join(outdir, "demo.vlm")
+        r = subprocess.run([source[2], archive], capture_output=True, text=True)
+        if r.returncode != 0:
+            fail("make_demo_archive: " + r.stderr.strip())
+        source = ["--convert", source[1], archive]
     if source[0] == "--convert":
         files = {}
         for ext in FORMATS:
