@@ -54,7 +54,9 @@ char* join(const std::vector<chunk>& chunks, std::int64_t total)
         if (at >= total)
             break;
         const std::int64_t n = std::min<std::int64_t>(static_cast<std::int64_t>(k.produced.size()), total - at);
-        std::memcpy(out + at, k.produced.data(), static_cast<std::size_t>(n));
+        // A chunk that produced nothing has no buffer to copy from.
+        if (n > 0)
+            std::memcpy(out + at, k.produced.data(), static_cast<std::size_t>(n));
         at += k.declared;
     }
     return out;
