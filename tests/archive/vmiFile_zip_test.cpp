@@ -252,3 +252,16 @@ TEST(ExtractAllZip, EntryBoundHoldsTheLargestGridRecord)
     EXPECT_GE(vmiFile::max_entry_bytes, 512 + 2 * vmiBaseGrid::max_nodes);
     EXPECT_LE(vmiFile::max_entry_bytes, std::int64_t(INT32_MAX));
 }
+
+TEST(ExtractAllZip, ChunkDeclaringNoBytesBeforeARealOneCopiesNothingFromIt)
+{
+    // The first chunk declares 0 decompressed bytes and so produces none; it
+    // takes no room, and the chunk behind it starts the content.
+    const std::string b = pattern(12);
+    const std::string zb = vlm::zlib_compress(pattern(5));
+    const std::string entry = vlm::chunk_header(static_cast<std::uint32_t>(zb.size()), 0) + zb + vlm::chunk(b);
+    const joined j = extract(entry);
+    EXPECT_EQ(j.chunks, 2);
+    EXPECT_EQ(j.len, 12);
+    EXPECT_EQ(j.bytes, b);
+}
