@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/ConvertCommand.h"
+#include "cli/DumpCommand.h"
 #include "cli/ExitCode.h"
 #include "cli/InspectCommand.h"
 
@@ -46,19 +47,18 @@ int CommandLine::run(int argc, const char* const* argv, std::ostream& out, std::
     CLI::App app("velmora: the command-line host of the Velmora archive importer", "velmora");
     app.set_version_flag("--version", std::string("velmora ") + VELMORA_VERSION);
     app.require_subcommand(1);
-    app.footer("The command dump is not yet available.\n"
-               "Exit status: 0 success, 1 the import produced nothing, 2 wrong usage, 3 a file "
+    app.footer("Exit status: 0 success, 1 the import produced nothing, 2 wrong usage, 3 a file "
                "could not be read or written.");
     InspectCommand inspect;
     add_inspect(app, inspect);
     ConvertCommand convert;
     ConvertCommand::add_to(app, convert);
+    DumpCommand dump;
+    DumpCommand::add_to(app, dump);
     // CLI11 would call an unknown word an unexpected argument; name it instead.
     const std::string word = command_word(argc, argv);
-    if (!word.empty() && word != "inspect" && word != "convert") {
-        const bool later = word == "dump";
-        err << "velmora: " << word << (later ? ": command not yet available" : ": unknown command")
-            << " (see velmora --help)\n";
+    if (!word.empty() && word != "inspect" && word != "convert" && word != "dump") {
+        err << "velmora: " << word << ": unknown command (see velmora --help)\n";
         return exit_usage;
     }
     try {
@@ -71,5 +71,6 @@ int CommandLine::run(int argc, const char* const* argv, std::ostream& out, std::
     }
     if (app.got_subcommand("inspect")) return inspect.run(out, err);
     if (app.got_subcommand("convert")) return convert.run(out, err);
+    if (app.got_subcommand("dump")) return dump.run(out, err);
     return exit_usage;
 }

@@ -43,12 +43,13 @@ TEST(CommandLine, VersionPrintsNameAndVersion)
     EXPECT_EQ(r.out.rfind("velmora ", 0), 0u);
 }
 
-TEST(CommandLine, HelpListsInspectAndSaysDumpIsNotYetAvailable)
+TEST(CommandLine, HelpListsInspectConvertAndDump)
 {
     const RunResult r = velmora({"--help"});
     EXPECT_EQ(r.status, exit_success);
     EXPECT_NE(r.out.find("inspect"), std::string::npos);
-    EXPECT_NE(r.out.find("not yet available"), std::string::npos);
+    EXPECT_NE(r.out.find("convert"), std::string::npos);
+    EXPECT_NE(r.out.find("dump"), std::string::npos);
 }
 
 TEST(CommandLine, InspectHelpShowsTheJsonFlag)
@@ -73,11 +74,13 @@ TEST(CommandLine, UnknownCommandIsWrongUsageNamingIt)
     EXPECT_EQ(count_lines(r.err), 1);
 }
 
-TEST(CommandLine, DumpIsWrongUsageUntilItExists)
+TEST(CommandLine, DumpOfAMissingFileIsUnreadableNamingIt)
 {
-    const RunResult r = velmora({"dump", "x.vlm"});
-    EXPECT_EQ(r.status, exit_usage);
-    EXPECT_NE(r.err.find("not yet available"), std::string::npos);
+    const RunResult r = velmora({"dump", "no-such-archive.vlm"});
+    EXPECT_EQ(r.status, exit_unreadable);
+    EXPECT_NE(r.err.find("no-such-archive.vlm"), std::string::npos);
+    EXPECT_EQ(count_lines(r.err), 1);
+    EXPECT_TRUE(r.out.empty());
 }
 
 TEST(CommandLine, InspectWithoutFileIsWrongUsage)

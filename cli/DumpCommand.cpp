@@ -1,0 +1,133 @@
+#include "cli/DumpCommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "cli/DumpSink.h"
+#include "cli/DumpWriter.h"
+#include "cli/ExitCode.h"
+#include "cli/PluginIdentity.h"
+#include "cli/PluginImport.h"
+#include "host/qorResourceTable.h"
+#include "host/utBoolcoResourceKey.h"
+
+namespace {
+
+const char* help_footer()
+{
+    return "Prints one JSON document (format \"velmora-dump\", version 1): the plug-in's identity,\n"
+           "the options in force, what read_input returned (\"result\"), how many translators it\n"
+           "handed over and the whole tree they deliver, every group with its name, mangled name\n"
+           "and placement, every triangle block, curve (as NURBS) and point cloud with its\n"
+           "attributes and geometry. Numbers read back exactly; NaN and the infinities are the\n"
+           "strings \"NaN\", \"Infinity\", \"-Infinity\"; bytes that are not UTF-8 are \\u00XX.\n"
+           "--summary replaces each geometry array by {count, min, max, sha256}.\n"
+           "The plug-in is bin/../lib/libvelmora2rnx.so next to velmora, or the file that\n"
+           "VELMORA_PLUGIN names.\n"
+           "Exit status: 0 dumped; 1 the import produced nothing (the dump is printed with\n"
+           "\"result\": 0 and \"root\": null); 2 wrong usage; 3 the file could not be read or\n"
+           "the plug-in could not be loaded.";
+}
+
+// NAME=0|1 into its parts; false when it is not one of the options or the
+// value is not 0 or 1.
+bool parse_option(const std::string& text, std::pair<std::string, int>& option)
+{
+    const std::size_t eq = text.find('=');
+    if (eq == std::string::npos) return false;
+    const std::string name = text.substr(0, eq), value = text.substr(eq + 1);
+    bool known = false;
+    for (const std::string& n : PluginImport::option_names()) known = known || n == name;
+    if (!known || (value != "0" && value != "1")) return false;
+    option = {name, value == "1" ? 1 : 0};
+    return true;
+}
+
+// Empty when path names a regular file that opens for reading, else why not.
+std::string unreadable(const std::string& path)
+{
+    std::error_code ec;
+    if (!std::filesystem::exists(path, ec)) return "no such file";
+    if (!std::filesystem::is_regular_file(path, ec)) return "not a regular file";
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return std::strerror(errno);
+    return {};
+}
+
+// Each option with the value the host's table holds after the read: the
+// values the read looked up.
+std::vector<std::pair<std::string, int>> options_in_force()
+{
+    std::vector<std::pair<std::string, int>> in_force;
+    qorResourceTable* table = qor_resource_table_inquire();
+    for (const std::string& name : PluginImport::option_names()) {
+        const utBoolcoResourceKey key{utString(name)};
+        in_force.emplace_back(name, table ? (table->bool_value(key, 1) ? 1 : 0) : 1);
+    }
+    return in_force;
+}
+
+} // namespace
+
+CLI::App* DumpCommand::add_to(CLI::App& app, DumpCommand& command)
+{
+    CLI::App* cmd = app.add_subcommand(
+        "dump", "Import an archive through the plug-in and print, as JSON, exactly what the host "
+                "received: the library's identity, the result and the whole translator tree");
+    cmd->add_flag("--summary", command.summary,
+                  "Replace each geometry array by its count, per-component min and max, and SHA-256");
+    cmd->add_flag("--compact", command.compact, "Print the document on one line");
+    cmd->add_option("--option", command.options,
+                    "Set an option of the plug-in before the read: vmiOptProcessScanData, "
+                    "vmiOptProcessImageData or vmiOptProcessOrthoticData, =0 or =1 (repeatable)")
+        ->type_name("NAME=0|1")
+        ->allow_extra_args(false);
+    cmd->add_option("file", command.file, "The archive to import")->required()->type_name("FILE.vlm");
+    cmd->footer(help_footer());
+    return cmd;
+}
+
+int DumpCommand::run(std::ostream& out, std::ostream& err) const
+{
+    std::vector<std::pair<std::string, int>> parsed;
+    for (const std::string& o : options) {
+        std::pair<std::string, int> p;
+        if (!parse_option(o, p)) {
+            err << "velmora dump: --option " << o
+                << ": expected vmiOptProcessScanData, vmiOptProcessImageData or "
+                   "vmiOptProcessOrthoticData =0 or =1\n";
+            return exit_usage;
+        }
+        parsed.push_back(p);
+    }
+    if (const std::string why = unreadable(file); !why.empty()) {
+        err << "velmora dump: " << file << ": cannot read: " << why << '\n';
+        return exit_unreadable;
+    }
+    DumpDocument doc;
+    std::string reason;
+    if (!PluginIdentity::query(library, doc.identity, reason)) {
+        err << "velmora dump: cannot load the plug-in: " << reason << '\n';
+        return exit_unreadable;
+    }
+    DumpSink sink;
+    const PluginImport::Outcome outcome = PluginImport::import_archive(file, parsed, sink, reason, library);
+    if (outcome == PluginImport::no_library) {
+        err << "velmora dump: cannot load the plug-in: " << reason << '\n';
+        return exit_unreadable;
+    }
+    doc.options = options_in_force();
+    doc.result = outcome == PluginImport::imported ? 1 : 0;
+    doc.top = &sink.top();
+    DumpWriter(summary, compact).write(out, doc);
+    if (outcome == PluginImport::nothing_imported) {
+        err << "velmora dump: " << file << ": the import produced nothing\n";
+        return exit_nothing_imported;
+    }
+    return exit_success;
+}

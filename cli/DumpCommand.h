@@ -1,0 +1,38 @@
+#pragma once
+// DumpCommand: `velmora dump [--summary] [--compact] [--option NAME=0|1]...
+// FILE.vlm`. Imports the archive through the plug-in as a host does (see
+// PluginImport.h) and prints what the host received as the canonical JSON
+// dump (see DumpWriter.h).
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+class DumpCommand {
+public:
+    // Exit status: the import produced nothing (read_input gave 0). The dump
+    // is printed all the same, with "result": 0 and "root": null.
+    static constexpr int exit_nothing_imported = 1;
+
+    std::string file;
+    // NAME=0|1, each as given; a later one overrides an earlier.
+    std::vector<std::string> options;
+    bool summary = false;
+    bool compact = false;
+    // The plug-in to load; empty for PluginImport::library_path().
+    std::string library;
+
+    // Registers the subcommand "dump" with its options, help and footer;
+    // app.got_subcommand("dump") then says to call run().
+    static CLI::App* add_to(CLI::App& app, DumpCommand& command);
+
+    // Exit status: 0 dumped, 1 dumped but the import produced nothing, 2
+    // wrong usage (an unknown option or a value other than 0 or 1), 3 the
+    // file could not be read or the plug-in could not be loaded (nothing is
+    // printed then). Diagnostics go to err, one line naming the file and the
+    // reason.
+    int run(std::ostream& out, std::ostream& err) const;
+};

@@ -1,0 +1,62 @@
+#pragma once
+// DumpSink: a host's output sink that keeps what the walk delivered as a tree
+// of items, each with its attributes as the translator set them and a copy of
+// its geometry, for `velmora dump` to write once the walk is over (the
+// references the walk passes are valid during the call only).
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/giColour.h"
+#include "host/giPoint3.h"
+#include "host/giTriangle.h"
+#include "host/giXform3.h"
+#include "host/qorabsOutputSink.h"
+#include "host/rnxNurbCurve3.h"
+
+struct DumpItem {
+    enum Kind { group, triblock, curve, pointcloud };
+
+    Kind kind = group;
+    // NAME as set (empty when none) and the name the walk mangled from it.
+    std::string name;
+    std::string mangled;
+    bool has_layer = false;
+    int level = 0;
+    std::string layer_name;
+    // COLOUR: only when the translator checked it out.
+    bool has_colour = false;
+    int colour = 0;
+    // create_triblock / create_curve: 0 success, 1 failure.
+    int status = 0;
+    giXform3 xform;
+    // A triangle block's vertices or a point cloud's points.
+    std::vector<giPoint3> points;
+    std::vector<giTriangle> triangles;
+    std::vector<giColour> colours;
+    // The curve as handed over; null on failure.
+    rnxCurvePtr3 nurb;
+    std::vector<std::unique_ptr<DumpItem>> children;
+};
+
+class DumpSink : public qorabsOutputSink {
+public:
+    // The items the walk delivered outside any group: one per translator the
+    // host walked.
+    const std::vector<std::unique_ptr<DumpItem>>& top() const { return top_; }
+
+    void begin_group(const qorabsAttributeSet& attrs, const utString& mangled, const giXform3& xform) override;
+    void end_group() override;
+    void triblock(const qorabsAttributeSet& attrs, const utString& mangled, const qorabsTranslationStatus& status,
+                  const giTriBlock& block) override;
+    void curve(const qorabsAttributeSet& attrs, const utString& mangled, const qorabsTranslationStatus& status,
+               const rnxCurvePtr3& curve) override;
+    void pointcloud(const qorabsAttributeSet& attrs, const utString& mangled, const annPointCloudData& data) override;
+
+private:
+    // A new item with attrs and mangled, placed in the open group (or at the top).
+    DumpItem& add(DumpItem::Kind kind, const qorabsAttributeSet& attrs, const utString& mangled);
+
+    std::vector<std::unique_ptr<DumpItem>> top_;
+    std::vector<DumpItem*> open_;
+};
