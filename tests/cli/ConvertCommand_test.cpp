@@ -13,6 +13,7 @@
 
 #include "cli/CommandLine.h"
 #include "cli/ExitCode.h"
+#include "cli/PluginImport.h"
 
 namespace {
 
@@ -219,4 +220,15 @@ TEST(ConvertCommand, FormatOf_ReadsTheExtensionInAnyCase)
     EXPECT_EQ(ConvertCommand::format_of("obj"), ConvertCommand::Format::unknown);
     EXPECT_EQ(ConvertCommand::default_scale(ConvertCommand::Format::glb), 0.001);
     EXPECT_EQ(ConvertCommand::default_scale(ConvertCommand::Format::stl), 1.0);
+}
+
+TEST_F(ConvertCommandTest, RealPlugin_FileThatIsNotAnArchiveImportsNothing)
+{
+    const std::string plugin = std::string(VELMORA_BINARY_DIR) + "/lib/" + PluginImport::library_file;
+    if (!fs::exists(plugin)) GTEST_SKIP() << plugin << " is not built";
+    setenv("VELMORA_PLUGIN", plugin.c_str(), 1);
+    const std::string text = file("notes.vlm", "not a ZIP archive\n");
+    const RunResult r = velmora({"convert", text, "-o", path("out.glb")});
+    EXPECT_EQ(r.status, ConvertCommand::exit_nothing_imported);
+    EXPECT_EQ(r.err, "velmora convert: " + text + ": the import produced nothing\n");
 }

@@ -33,6 +33,9 @@ add_library(convert_test_plugin SHARED ${CMAKE_CURRENT_SOURCE_DIR}/convert_test_
 target_link_libraries(convert_test_plugin PRIVATE vmi_core)
 if(TARGET ConvertCommand_test)
   add_dependencies(ConvertCommand_test convert_test_plugin velmora)
+  if(TARGET velmora2rnx)
+    add_dependencies(ConvertCommand_test velmora2rnx)
+  endif()
   target_compile_definitions(ConvertCommand_test PRIVATE
     CONVERT_TEST_PLUGIN="$<TARGET_FILE:convert_test_plugin>")
 endif()
