@@ -1,0 +1,5 @@
+foreach(t DumpTree_test DumpSummary_test DumpCommand_test)
+  if(TARGET ${t})
+    target_link_libraries(${t} PRIVATE velmora_cli)
+  endif()
+endforeach()
