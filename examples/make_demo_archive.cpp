@@ -1,60 +1,212 @@
-// make_demo_archive: writes the small demo archive that scripts/demo lists.
-// One practice with one patient: a scan of the left foot (a height grid), its
-// scan image (a point cloud) and an insole model built over the scan, the way
-// the archiving program lays them out: data entries first, the catalogue last.
+// make_demo_archive: writes the demo archive that scripts/demo converts.
+//
+// One patient seen twice (a first fitting and a check-up half a year later).
+// Each visit holds a scan of the left and of the right foot (plantar height
+// grids at 1 mm over a foot-shaped outline, no data outside it), the grey
+// picture taken with each scan, and a left and a right insole model whose
+// base grid is the scan of the same foot (ref_indx names the scan record).
+// Each model carries its working grid ("Kerneldata"), the blank's outline
+// ("Rohlingsdaten") and the insole outline ("HContour2"), so every model ends
+// in a finished insole grid. The data entries come first and the catalogue
+// last, the order in which the archiving program writes them.
 //
 //   make_demo_archive OUT.vlm
+//
+// The archive is about 200 kB; everything is computed, nothing is random, so
+// every run writes the same bytes.
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <string>
+#include <vector>
 
+#include "tests/support/contourText.h"
 #include "tests/support/vlmWriter.h"
 
 namespace {
 
-constexpr int grid_columns = 40;
-constexpr int grid_rows = 100;
+// The scans' lattice: 1 mm in x and y, heights in hundredths of a millimetre.
+constexpr int grid_columns = 110;
+constexpr int grid_rows = 280;
+constexpr float grid_spacing = 1.0f;
+constexpr float height_unit = 0.01f;
+// The code that marks "no surface" outside the foot.
+constexpr std::uint16_t no_surface = 0;
+// Points on each outline (the last one closes it).
+constexpr int outline_points = 61;
+// The models' margin around the base grid, as the design program sets it.
+constexpr double model_margin = 30.0;
+// The blank stands out 2 mm around the foot, the insole stays 3 mm inside it.
+constexpr double blank_allowance = 2.0;
+constexpr double insole_inset = 3.0;
+// Grey values of the scan pictures: the light background and the darkest
+// contact area.
+constexpr int picture_background = 235;
+constexpr int picture_contact = 70;
 
-// A foot-shaped dome: heights in units of dz, the nodata code outside.
-vlm::height_grid scan_grid()
+enum class side { left, right };
+
+// One foot as scanned on one day.
+struct foot {
+    side s;
+    double length;     // heel to the longest toe, mm
+    double width;      // across the ball, mm
+    double arch;       // height of the inner arch, mm
+    double x0, y0;     // lower left corner of its box in the scan grid
+};
+
+// The outline of a foot (foot_outline draws the inner side at low x, as for a
+// right foot seen from above); a left foot is its mirror image, run in the
+// same sense.
+void outline(const foot& f, double grow, double shift, std::vector<double>& x, std::vector<double>& y)
 {
+    vlm::foot_outline(outline_points, f.x0 - grow + shift, f.y0 - grow + shift, f.width + 2.0 * grow,
+                      f.length + 2.0 * grow, x, y);
+    if (f.s == side::left) {
+        const double mirror = 2.0 * (f.x0 + shift) + f.width;
+        for (double& v : x)
+            v = mirror - v;
+        std::reverse(x.begin(), x.end());
+        std::reverse(y.begin(), y.end());
+    }
+}
+
+bool inside(const std::vector<double>& x, const std::vector<double>& y, double px, double py)
+{
+    bool in = false;
+    for (std::size_t k = 0, l = x.size() - 1; k < x.size(); l = k++)
+        if ((y[k] > py) != (y[l] > py) && px < (x[l] - x[k]) * (py - y[k]) / (y[l] - y[k]) + x[k])
+            in = !in;
+    return in;
+}
+
+double edge_distance(const std::vector<double>& x, const std::vector<double>& y, double px, double py)
+{
+    double best = 1e300;
+    for (std::size_t k = 0; k + 1 < x.size(); ++k) {
+        const double ex = x[k + 1] - x[k], ey = y[k + 1] - y[k];
+        const double len2 = ex * ex + ey * ey;
+        double t = len2 > 0.0 ? ((px - x[k]) * ex + (py - y[k]) * ey) / len2 : 0.0;
+        t = std::clamp(t, 0.0, 1.0);
+        const double dx = x[k] + t * ex - px, dy = y[k] + t * ey - py;
+        best = std::min(best, std::sqrt(dx * dx + dy * dy));
+    }
+    return best;
+}
+
+// Height of the sole above the scanner's glass at a point inside the outline:
+// a heel cup, the inner arch, the flat ball and the toes' spring, and the
+// sides of the foot rising towards the outline.
+double plantar_height(const foot& f, double px, double py, double edge)
+{
+    const double v = std::clamp((py - f.y0) / f.length, 0.0, 1.0);
+    double inner = (px - (f.x0 + 0.5 * f.width)) / (0.5 * f.width);
+    if (f.s == side::right)
+        inner = -inner;
+    const double arch_along = std::exp(-std::pow((v - 0.42) / 0.13, 2.0));
+    const double arch_across = std::clamp(0.35 + inner, 0.0, 1.0);
+    const double heel = 2.5 * std::exp(-std::pow(v / 0.12, 2.0));
+    const double toes = v > 0.82 ? 5.0 * std::pow((v - 0.82) / 0.18, 2.0) : 0.0;
+    const double rim = 7.0 * std::exp(-edge / 5.0);
+    return 1.0 + heel + f.arch * arch_along * arch_across * arch_across + toes + rim;
+}
+
+// The scan of one foot; heights[k] keeps the height in mm (or -1 outside)
+// for the picture taken with it.
+vlm::height_grid scan(const foot& f, std::vector<double>& heights)
+{
+    std::vector<double> x, y;
+    outline(f, 0.0, 0.0, x, y);
     vlm::height_grid g;
     g.nx = grid_columns;
     g.ny = grid_rows;
-    g.dx = 2.5f;
-    g.dy = 2.5f;
-    g.dz = 0.05f;
-    g.nodata = 65535;
+    g.dx = grid_spacing;
+    g.dy = grid_spacing;
+    g.dz = height_unit;
+    g.nodata = no_surface;
+    heights.clear();
     for (int j = 0; j < grid_rows; ++j) {
         for (int i = 0; i < grid_columns; ++i) {
-            const double u = (i - grid_columns / 2.0) / (grid_columns / 2.0);
-            const double v = (j - grid_rows / 2.0) / (grid_rows / 2.0);
-            const double r = u * u + v * v;
-            g.codes.push_back(r < 1.0 ? static_cast<std::uint16_t>(400.0 * (1.0 - r) + 20.0 * std::sin(6.0 * v))
-                                      : g.nodata);
+            const double px = i * grid_spacing, py = j * grid_spacing;
+            double h = -1.0;
+            if (inside(x, y, px, py))
+                h = plantar_height(f, px, py, edge_distance(x, y, px, py));
+            heights.push_back(h);
+            g.codes.push_back(h < 0.0 ? no_surface : static_cast<std::uint16_t>(std::lround(h / height_unit)));
         }
     }
     return g;
 }
 
-vlm::scan_image scan_image()
+// The picture taken with a scan, pixel for grid point: the sole dark where it
+// touches the glass and lighter the higher it lifts off, the background light.
+vlm::scan_image picture(const std::vector<double>& heights)
 {
     vlm::scan_image im;
-    im.width = 64;
-    im.height = 160;
-    im.sx = 1.5f;
-    im.sy = 1.5f;
+    im.width = grid_columns;
+    im.height = grid_rows;
+    im.sx = grid_spacing;
+    im.sy = grid_spacing;
     im.sz = 1.0f;
-    for (int k = 0; k < im.width * im.height; ++k) im.pixels.push_back(static_cast<std::uint8_t>(k * 7 % 251));
+    for (double h : heights) {
+        const double grey = h < 0.0 ? picture_background : std::min(215.0, picture_contact + 9.0 * h);
+        im.pixels.push_back(static_cast<std::uint8_t>(grey));
+    }
     return im;
 }
 
-std::string insole_model()
+// The insole model of one foot, laid out in the model's working grid: the
+// base grid (the scan) sits at (margin, margin) in it.
+std::string insole(const foot& f, const std::string& blank_name)
 {
-    return "0001\n"
-           "1 Rohlingsdaten\n"
-           "Laenge=250.0\n"
-           "Breite=95.0\n";
+    std::vector<double> bx, by, ix, iy;
+    outline(f, blank_allowance, model_margin, bx, by);
+    outline(f, -insole_inset, model_margin, ix, iy);
+    vlm::contour_text t("0001 Velmora insole design");
+    const int xnum = static_cast<int>((grid_columns - 1) * grid_spacing + 2.0 * model_margin);
+    const int ynum = static_cast<int>((grid_rows - 1) * grid_spacing + 2.0 * model_margin);
+    t.kerneldata(xnum, ynum, grid_spacing, grid_spacing, model_margin, model_margin);
+    t.rohlingsdaten(blank_name, bx, by, {}, {}, {}, 3.0, 8.0);
+    t.hcontour2("insole", ix, iy);
+    return t.end().text(true);
+}
+
+constexpr int left_scan_type = 101, right_scan_type = 102;
+constexpr int left_image_type = 201, right_image_type = 202;
+constexpr int scan_record = 1, model_record = 3;
+// Bytes per compressed chunk of a data entry.
+constexpr std::size_t chunk_size = 16384;
+
+// One visit: the two scans with their pictures, then the two models. The
+// catalogue's fields are comma-separated, so no text here holds a comma.
+// Records are numbered from first_indx on, data entries from first_entry on.
+void visit(vlm::catalogue& c, vlm::archive& a, const std::string& date, const std::string& model_date,
+           const foot& left, const foot& right, int first_indx, int first_entry)
+{
+    auto entry_name = [](int n) {
+        char name[16];
+        std::snprintf(name, sizeof name, "VLM%05d.dat", n);
+        return std::string(name);
+    };
+    int indx = first_indx, entry = first_entry;
+    int scan_indx[2] = {0, 0};
+    for (const foot* f : {&left, &right}) {
+        const bool is_left = f->s == side::left;
+        std::vector<double> heights;
+        scan_indx[is_left ? 0 : 1] = indx;
+        a.add(entry_name(entry), vlm::chunk_chain(vlm::grid_entry(scan(*f, heights)), chunk_size));
+        c.level3(scan_record, indx++, 0, is_left ? left_scan_type : right_scan_type, date, "Scan",
+                 is_left ? "left foot standing" : "right foot standing", entry++);
+        a.add(entry_name(entry), vlm::chunk_chain(vlm::pcim_entry(picture(heights)), chunk_size));
+        c.level3(scan_record, indx++, 0, is_left ? left_image_type : right_image_type, date, "Image",
+                 is_left ? "left foot" : "right foot", entry++);
+    }
+    for (const foot* f : {&left, &right}) {
+        const bool is_left = f->s == side::left;
+        a.add(entry_name(entry), vlm::chunk_chain(insole(*f, is_left ? "blank_L" : "blank_R"), chunk_size));
+        c.level3(model_record, indx++, scan_indx[is_left ? 0 : 1], is_left ? left_scan_type : right_scan_type,
+                 model_date, "Insole", "sport insole", entry++);
+    }
 }
 
 } // namespace
@@ -65,20 +217,22 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: make_demo_archive OUT.vlm\n");
         return 2;
     }
-    const std::string catalogue = vlm::catalogue()
-                                      .header("Velmora archive")
-                                      .separator()
-                                      .level1("Praxis am Markt", "Demo")
-                                      .level2("Patient 0001", "Erika Beispiel")
-                                      .level3(1, 1, 0, 101, "2024-03-01", "Scan", "left foot", 12)
-                                      .level3(1, 2, 1, 101, "2024-03-01", "Image", "left foot", 13)
-                                      .level3(3, 3, 1, 101, "2024-03-02", "Insole", "sport", 14)
-                                      .text(true);
+    // The right foot is a little longer; by the check-up the arches have
+    // settled by a millimetre.
+    const foot left1{side::left, 252.0, 98.0, 14.0, 4.0, 12.0};
+    const foot right1{side::right, 255.0, 99.0, 13.5, 5.0, 10.0};
+    const foot left2{side::left, 253.0, 98.0, 13.0, 4.0, 11.0};
+    const foot right2{side::right, 256.0, 99.0, 12.5, 5.0, 10.0};
+
+    vlm::catalogue c;
+    c.header("Velmora archive").header("version=3").separator();
+    c.level1("Beispiel", "Erika");
     vlm::archive a;
-    a.add("VLM00012.dat", vlm::chunk_chain(vlm::grid_entry(scan_grid()), 4096));
-    a.add("VLM00013.dat", vlm::chunk_chain(vlm::pcim_entry(scan_image()), 4096));
-    a.add("VLM00014.dat", vlm::chunk(insole_model()));
-    a.add("00000.vlk", catalogue);
+    c.level2("2024-03-01", "Erstversorgung");
+    visit(c, a, "2024-03-01", "2024-03-04", left1, right1, 1, 1);
+    c.level2("2024-09-12", "Kontrolle");
+    visit(c, a, "2024-09-12", "2024-09-16", left2, right2, 7, 7);
+    a.add("00000.vlk", c.text());
     if (!a.write(argv[1])) {
         std::fprintf(stderr, "make_demo_archive: %s: cannot write\n", argv[1]);
         return 3;
