@@ -26,11 +26,12 @@ struct CommandRun {
     std::string err;
 };
 
-// Runs the built command with args (each quoted for the shell).
-CommandRun velmora(const std::vector<std::string>& args)
+// Runs the built command with args (each quoted for the shell), after the
+// environment settings env ("NAME=value ...") when given.
+CommandRun velmora(const std::vector<std::string>& args, const std::string& env = {})
 {
     const std::string err_path = vlm::temp_path("dump_command_stderr.txt");
-    std::string cmd = std::string("'") + VELMORA_BINARY_DIR + "/bin/velmora' dump";
+    std::string cmd = env + (env.empty() ? "" : " ") + "'" + VELMORA_BINARY_DIR + "/bin/velmora' dump";
     for (const std::string& a : args) cmd += " '" + a + "'";
     cmd += " 2>'" + err_path + "'";
     CommandRun r;
@@ -174,6 +175,23 @@ TEST_F(DumpCommandRun, OptionScanDataOff_RemovesTheScansAndShowsInOptions)
     EXPECT_FALSE(has_name(root, "SCAN_(LEFT)_20210301"));
     EXPECT_FALSE(has_name(root, "SCAN_(RIGHT)_20210303"));
     EXPECT_TRUE(has_name(root, "MODEL_(LEFT)_20210304"));
+}
+
+TEST_F(DumpCommandRun, RepeatedOption_TheLastValueIsInForce)
+{
+    const CommandRun r = velmora({"--compact", "--option", "vmiOptProcessImageData=0", "--option",
+                                  "vmiOptProcessImageData=1", path_});
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(json::parse(r.out)["options"]["vmiOptProcessImageData"], 1);
+}
+
+TEST_F(DumpCommandRun, PluginThatDoesNotLoad_UnreadableNothingPrinted)
+{
+    const CommandRun r = velmora({path_}, "VELMORA_PLUGIN=/nonexistent/libnothing.so");
+    EXPECT_EQ(r.status, 3);
+    EXPECT_EQ(lines(r.err), 1);
+    EXPECT_NE(r.err.find("cannot load the plug-in"), std::string::npos) << r.err;
+    EXPECT_TRUE(r.out.empty());
 }
 
 TEST_F(DumpCommandRun, Summary_EveryGeometryArrayIsADigest)
