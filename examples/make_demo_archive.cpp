@@ -12,13 +12,15 @@
 //
 //   make_demo_archive OUT.vlm
 //
-// The archive is about 200 kB; everything is computed, nothing is random, so
-// every run writes the same bytes.
+// The archive is about 110 kB; everything is computed, nothing is random and
+// the entries carry a fixed date, so every run writes the same bytes.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <string>
 #include <vector>
+
+#include <zip.h>
 
 #include "tests/support/contourText.h"
 #include "tests/support/vlmWriter.h"
@@ -209,6 +211,29 @@ void visit(vlm::catalogue& c, vlm::archive& a, const std::string& date, const st
     }
 }
 
+// Every entry is stamped with the date of the last visit's models (16
+// September 2024, 12:00, in the ZIP's DOS form) instead of the time of
+// writing, so that every run writes the same bytes.
+constexpr zip_uint16_t entry_dos_date = ((2024 - 1980) << 9) | (9 << 5) | 16;
+constexpr zip_uint16_t entry_dos_time = 12 << 11;
+
+bool stamp_entries(const std::string& path)
+{
+    int error = 0;
+    zip_t* z = zip_open(path.c_str(), 0, &error);
+    if (z == nullptr)
+        return false;
+    bool ok = true;
+    const zip_int64_t n = zip_get_num_entries(z, 0);
+    for (zip_int64_t k = 0; k < n; ++k)
+        ok = zip_file_set_dostime(z, static_cast<zip_uint64_t>(k), entry_dos_time, entry_dos_date, 0) == 0 && ok;
+    if (zip_close(z) != 0) {
+        zip_discard(z);
+        return false;
+    }
+    return ok;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -233,7 +258,7 @@ int main(int argc, char** argv)
     c.level2("2024-09-12", "Kontrolle");
     visit(c, a, "2024-09-12", "2024-09-16", left2, right2, 7, 7);
     a.add("00000.vlk", c.text());
-    if (!a.write(argv[1])) {
+    if (!a.write(argv[1]) || !stamp_entries(argv[1])) {
         std::fprintf(stderr, "make_demo_archive: %s: cannot write\n", argv[1]);
         return 3;
     }
