@@ -57,15 +57,21 @@ struct foot {
     double x0, y0;     // lower left corner of its box in the scan grid
 };
 
-// The outline of a foot (foot_outline draws the inner side at low x, as for a
-// right foot seen from above); a left foot is its mirror image, run in the
-// same sense.
-void outline(const foot& f, double grow, double shift, std::vector<double>& x, std::vector<double>& y)
+// The box of a scan's points that have a surface: the model's working grid
+// places this box, not the whole lattice, at its margin.
+struct surface_box {
+    double x0 = 1e300, y0 = 1e300, x1 = -1e300, y1 = -1e300;
+};
+
+// The outline of a foot grown by grow (shrunk when negative) and moved by
+// (sx, sy). foot_outline draws the inner side at low x, as for a right foot
+// seen from above; a left foot is its mirror image, run in the same sense.
+void outline(const foot& f, double grow, double sx, double sy, std::vector<double>& x, std::vector<double>& y)
 {
-    vlm::foot_outline(outline_points, f.x0 - grow + shift, f.y0 - grow + shift, f.width + 2.0 * grow,
+    vlm::foot_outline(outline_points, f.x0 - grow + sx, f.y0 - grow + sy, f.width + 2.0 * grow,
                       f.length + 2.0 * grow, x, y);
     if (f.s == side::left) {
-        const double mirror = 2.0 * (f.x0 + shift) + f.width;
+        const double mirror = 2.0 * (f.x0 + sx) + f.width;
         for (double& v : x)
             v = mirror - v;
         std::reverse(x.begin(), x.end());
@@ -114,11 +120,11 @@ double plantar_height(const foot& f, double px, double py, double edge)
 }
 
 // The scan of one foot; heights[k] keeps the height in mm (or -1 outside)
-// for the picture taken with it.
-vlm::height_grid scan(const foot& f, std::vector<double>& heights)
+// for the picture taken with it, box the extent of the surface.
+vlm::height_grid scan(const foot& f, std::vector<double>& heights, surface_box& box)
 {
     std::vector<double> x, y;
-    outline(f, 0.0, 0.0, x, y);
+    outline(f, 0.0, 0.0, 0.0, x, y);
     vlm::height_grid g;
     g.nx = grid_columns;
     g.ny = grid_rows;
@@ -131,8 +137,10 @@ vlm::height_grid scan(const foot& f, std::vector<double>& heights)
         for (int i = 0; i < grid_columns; ++i) {
             const double px = i * grid_spacing, py = j * grid_spacing;
             double h = -1.0;
-            if (inside(x, y, px, py))
+            if (inside(x, y, px, py)) {
                 h = plantar_height(f, px, py, edge_distance(x, y, px, py));
+                box = {std::min(box.x0, px), std::min(box.y0, py), std::max(box.x1, px), std::max(box.y1, py)};
+            }
             heights.push_back(h);
             g.codes.push_back(h < 0.0 ? no_surface : static_cast<std::uint16_t>(std::lround(h / height_unit)));
         }
@@ -158,15 +166,17 @@ vlm::scan_image picture(const std::vector<double>& heights)
 }
 
 // The insole model of one foot, laid out in the model's working grid: the
-// base grid (the scan) sits at (margin, margin) in it.
-std::string insole(const foot& f, const std::string& blank_name)
+// base grid (the scan) has its surface's box at (margin, margin) in it, and
+// the grid reaches the margin beyond the box on every side.
+std::string insole(const foot& f, const std::string& blank_name, const surface_box& box)
 {
+    const double sx = model_margin - box.x0, sy = model_margin - box.y0;
     std::vector<double> bx, by, ix, iy;
-    outline(f, blank_allowance, model_margin, bx, by);
-    outline(f, -insole_inset, model_margin, ix, iy);
+    outline(f, blank_allowance, sx, sy, bx, by);
+    outline(f, -insole_inset, sx, sy, ix, iy);
     vlm::contour_text t("0001 Velmora insole design");
-    const int xnum = static_cast<int>((grid_columns - 1) * grid_spacing + 2.0 * model_margin);
-    const int ynum = static_cast<int>((grid_rows - 1) * grid_spacing + 2.0 * model_margin);
+    const int xnum = static_cast<int>((box.x1 - box.x0 + 2.0 * model_margin) / grid_spacing);
+    const int ynum = static_cast<int>((box.y1 - box.y0 + 2.0 * model_margin) / grid_spacing);
     t.kerneldata(xnum, ynum, grid_spacing, grid_spacing, model_margin, model_margin);
     t.rohlingsdaten(blank_name, bx, by, {}, {}, {}, 3.0, 8.0);
     t.hcontour2("insole", ix, iy);
@@ -192,11 +202,13 @@ void visit(vlm::catalogue& c, vlm::archive& a, const std::string& date, const st
     };
     int indx = first_indx, entry = first_entry;
     int scan_indx[2] = {0, 0};
+    surface_box box[2];
     for (const foot* f : {&left, &right}) {
         const bool is_left = f->s == side::left;
         std::vector<double> heights;
         scan_indx[is_left ? 0 : 1] = indx;
-        a.add(entry_name(entry), vlm::chunk_chain(vlm::grid_entry(scan(*f, heights)), chunk_size));
+        const vlm::height_grid grid = scan(*f, heights, box[is_left ? 0 : 1]);
+        a.add(entry_name(entry), vlm::chunk_chain(vlm::grid_entry(grid), chunk_size));
         c.level3(scan_record, indx++, 0, is_left ? left_scan_type : right_scan_type, date, "Scan",
                  is_left ? "left foot standing" : "right foot standing", entry++);
         a.add(entry_name(entry), vlm::chunk_chain(vlm::pcim_entry(picture(heights)), chunk_size));
@@ -205,7 +217,8 @@ void visit(vlm::catalogue& c, vlm::archive& a, const std::string& date, const st
     }
     for (const foot* f : {&left, &right}) {
         const bool is_left = f->s == side::left;
-        a.add(entry_name(entry), vlm::chunk_chain(insole(*f, is_left ? "blank_L" : "blank_R"), chunk_size));
+        a.add(entry_name(entry), vlm::chunk_chain(insole(*f, is_left ? "blank_L" : "blank_R", box[is_left ? 0 : 1]),
+                                                  chunk_size));
         c.level3(model_record, indx++, scan_indx[is_left ? 0 : 1], is_left ? left_scan_type : right_scan_type,
                  model_date, "Insole", "sport insole", entry++);
     }
