@@ -31,6 +31,7 @@ struct item {
     std::string name;
     std::string kind;
     std::size_t count = 0;   // vertices of a mesh, points of a cloud
+    double top = 0.0;        // the highest z of a mesh, mm
     std::vector<item> members;
 };
 
@@ -53,7 +54,9 @@ bool gltf_item(const json& doc, const json& node, item& out, int depth = 0)
         const json& prim = doc["meshes"][node["mesh"].get<std::size_t>()]["primitives"][0];
         const int mode = prim.value("mode", 4);
         out.kind = mode == 4 ? "mesh" : mode == 0 ? "cloud" : "curve";
-        out.count = doc["accessors"][prim["attributes"]["POSITION"].get<std::size_t>()]["count"].get<std::size_t>();
+        const json& positions = doc["accessors"][prim["attributes"]["POSITION"].get<std::size_t>()];
+        out.count = positions["count"].get<std::size_t>();
+        out.top = positions["max"][2].get<double>();
         return true;
     }
     out.kind = "group";
@@ -78,6 +81,7 @@ void dump_item(const json& node, item& out)
     } else if (type == "triblock") {
         out.kind = "mesh";
         out.count = node["vertices"]["count"].get<std::size_t>();
+        out.top = node["vertices"]["max"][2].get<double>();
     } else if (type == "pointcloud") {
         out.kind = "cloud";
         out.count = node["points"]["count"].get<std::size_t>();
@@ -124,6 +128,9 @@ void check_visit(const item& visit, const std::string& title, const std::string&
         EXPECT_EQ(model.members[1].name, "FINISH_MODEL~" + n);
         EXPECT_EQ(model.members[1].kind, "mesh");
         EXPECT_GT(model.members[1].count, 1000u) << model.name;
+        // The insole stands on the scan's sole (arch and rim over 10 mm),
+        // not on a flat working grid.
+        EXPECT_GT(model.members[1].top, 10.0) << model.name;
     }
 }
 
