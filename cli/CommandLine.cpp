@@ -6,7 +6,7 @@
 #include "cli/ConvertCommand.h"
 #include "cli/DumpCommand.h"
 #include "cli/ExitCode.h"
-#include "cli/InspectCommand.h"
+#include "cli/ListingCommand.h"
 
 #ifndef VELMORA_VERSION
 #define VELMORA_VERSION "unknown"
@@ -23,7 +23,7 @@ std::string one_line(std::string s)
     return s;
 }
 
-void add_inspect(CLI::App& app, InspectCommand& inspect)
+void add_inspect(CLI::App& app, ListingCommand& inspect)
 {
     CLI::App* cmd = app.add_subcommand(
         "inspect", "List what an archive holds before any interpretation: every ZIP entry, "
@@ -49,7 +49,7 @@ int CommandLine::run(int argc, const char* const* argv, std::ostream& out, std::
     app.require_subcommand(1);
     app.footer("Exit status: 0 success, 1 the import produced nothing, 2 wrong usage, 3 a file "
                "could not be read or written.");
-    InspectCommand inspect;
+    ListingCommand inspect;
     add_inspect(app, inspect);
     ConvertCommand convert;
     ConvertCommand::add_to(app, convert);

@@ -1,5 +1,5 @@
 #pragma once
-// InspectCommand: `velmora inspect [--json] FILE.vlm`. Reads the archive with
+// ListingCommand: `velmora inspect [--json] FILE.vlm`. Reads the archive with
 // vmiFile::read and an ArchiveListing listening, then prints the listing as a
 // table or as the JSON document "velmora-inspect".
 #include <ostream>
@@ -7,7 +7,7 @@
 
 class ArchiveListing;
 
-class InspectCommand {
+class ListingCommand {
 public:
     std::string file;
     bool json = false;

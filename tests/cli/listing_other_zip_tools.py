@@ -166,7 +166,7 @@ def main():
             checks.check(tool + " table lists the data entry", b"VLM00012.dat" in table)
     finally:
         shutil.rmtree(tmp)
-    return checks.finish("inspect_e2e")
+    return checks.finish("listing_other_zip_tools")
 
 
 if __name__ == "__main__":

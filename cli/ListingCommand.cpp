@@ -1,4 +1,4 @@
-#include "cli/InspectCommand.h"
+#include "cli/ListingCommand.h"
 
 #include <cerrno>
 #include <algorithm>
@@ -106,7 +106,7 @@ void write_catalogue(JsonWriter& w, const ListedCatalogue& c)
 
 } // namespace
 
-int InspectCommand::run(std::ostream& out, std::ostream& err) const
+int ListingCommand::run(std::ostream& out, std::ostream& err) const
 {
     const std::string reason = unreadable_reason(file);
     if (!reason.empty()) {
@@ -127,7 +127,7 @@ int InspectCommand::run(std::ostream& out, std::ostream& err) const
     return exit_success;
 }
 
-void InspectCommand::write_json(const ArchiveListing& listing, std::ostream& out)
+void ListingCommand::write_json(const ArchiveListing& listing, std::ostream& out)
 {
     JsonWriter w(out);
     w.begin_object();
@@ -226,7 +226,7 @@ void write_catalogue_table(const ListedCatalogue& c, std::ostream& out)
 
 } // namespace
 
-void InspectCommand::write_table(const std::string& file, const ArchiveListing& listing, std::ostream& out)
+void ListingCommand::write_table(const std::string& file, const ArchiveListing& listing, std::ostream& out)
 {
     out << "archive: " << file << '\n';
     write_entry_table(listing, out);

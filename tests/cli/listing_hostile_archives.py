@@ -85,15 +85,15 @@ def write_truncated(path):
     open(path, "wb").write(data[: len(data) // 2])
 
 
-def write_fixture(path, spec):
-    if spec == "invalid_utf8":
+def write_fixture(path, recipe):
+    if recipe == "invalid_utf8":
         write_invalid_utf8(path)
-    elif spec == "truncated":
+    elif recipe == "truncated":
         write_truncated(path)
-    elif isinstance(spec, bytes):
-        open(path, "wb").write(spec)
+    elif isinstance(recipe, bytes):
+        open(path, "wb").write(recipe)
     else:
-        zip_of(path, spec)
+        zip_of(path, recipe)
 
 
 def check_run(checks, velmora, name, path):
@@ -171,9 +171,9 @@ def main():
     checks = vlmtest.Checks()
     tmp = tempfile.mkdtemp(prefix="velmora_hostile_")
     try:
-        for name, spec in fixtures().items():
+        for name, recipe in fixtures().items():
             path = os.path.join(tmp, name + ".vlm")
-            write_fixture(path, spec)
+            write_fixture(path, recipe)
             listing = check_run(checks, velmora, name, path)
             if listing is not None:
                 check_listing(checks, name, listing)
@@ -181,7 +181,7 @@ def main():
         mutations(checks, velmora, tmp, count)
     finally:
         shutil.rmtree(tmp)
-    return checks.finish("inspect_hostile")
+    return checks.finish("listing_hostile_archives")
 
 
 if __name__ == "__main__":
