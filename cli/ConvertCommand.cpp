@@ -10,6 +10,7 @@
 #include <fstream>
 #include <system_error>
 
+#include "cli/CommandInputs.h"
 #include "cli/ExitCode.h"
 #include "cli/GltfWriter.h"
 #include "cli/ObjWriter.h"
@@ -45,31 +46,6 @@ std::string help_footer()
     "VELMORA_PLUGIN names.\n"
     "Exit status: 0 written, 1 the import produced nothing, 2 wrong usage, 3 a file\n"
     "could not be read or written.";
-}
-
-// NAME=0|1 into its parts; false when it is not one of the options or the
-// value is not 0 or 1.
-bool parse_option(const std::string& text, std::pair<std::string, int>& option)
-{
-    const std::size_t eq = text.find('=');
-    if (eq == std::string::npos) return false;
-    const std::string name = text.substr(0, eq), value = text.substr(eq + 1);
-    bool known = false;
-    for (const std::string& n : PluginImport::option_names()) known = known || n == name;
-    if (!known || (value != "0" && value != "1")) return false;
-    option = {name, value == "1" ? 1 : 0};
-    return true;
-}
-
-// Empty when path names a regular file that opens for reading, else why not.
-std::string unreadable(const std::string& path)
-{
-    std::error_code ec;
-    if (!std::filesystem::exists(path, ec)) return "no such file";
-    if (!std::filesystem::is_regular_file(path, ec)) return "not a regular file";
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return std::strerror(errno);
-    return {};
 }
 
 } // namespace
@@ -146,7 +122,7 @@ int ConvertCommand::run(std::ostream&, std::ostream& err) const
     std::vector<std::pair<std::string, int>> parsed;
     for (const std::string& o : options) {
         std::pair<std::string, int> p;
-        if (!parse_option(o, p)) {
+        if (!parse_plugin_option(o, p)) {
             err << "velmora convert: --option " << o
                 << ": expected vmiOptProcessScanData, vmiOptProcessImageData or "
                    "vmiOptProcessOrthoticData =0 or =1\n";
@@ -158,7 +134,7 @@ int ConvertCommand::run(std::ostream&, std::ostream& err) const
         err << "velmora convert: --scale " << *scale << ": expected a finite number above 0\n";
         return exit_usage;
     }
-    if (const std::string why = unreadable(file); !why.empty()) {
+    if (const std::string why = unreadable_archive(file); !why.empty()) {
         err << "velmora convert: " << file << ": cannot read: " << why << '\n';
         return exit_unreadable;
     }

@@ -10,6 +10,7 @@
 
 #include "cli/DumpSink.h"
 #include "cli/DumpWriter.h"
+#include "cli/CommandInputs.h"
 #include "cli/ExitCode.h"
 #include "cli/PluginIdentity.h"
 #include "cli/PluginImport.h"
@@ -32,31 +33,6 @@ const char* help_footer()
            "Exit status: 0 dumped; 1 the import produced nothing (the dump is printed with\n"
            "\"result\": 0 and \"root\": null); 2 wrong usage; 3 the file could not be read or\n"
            "the plug-in could not be loaded.";
-}
-
-// NAME=0|1 into its parts; false when it is not one of the options or the
-// value is not 0 or 1.
-bool parse_option(const std::string& text, std::pair<std::string, int>& option)
-{
-    const std::size_t eq = text.find('=');
-    if (eq == std::string::npos) return false;
-    const std::string name = text.substr(0, eq), value = text.substr(eq + 1);
-    bool known = false;
-    for (const std::string& n : PluginImport::option_names()) known = known || n == name;
-    if (!known || (value != "0" && value != "1")) return false;
-    option = {name, value == "1" ? 1 : 0};
-    return true;
-}
-
-// Empty when path names a regular file that opens for reading, else why not.
-std::string unreadable(const std::string& path)
-{
-    std::error_code ec;
-    if (!std::filesystem::exists(path, ec)) return "no such file";
-    if (!std::filesystem::is_regular_file(path, ec)) return "not a regular file";
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return std::strerror(errno);
-    return {};
 }
 
 // Each option with the value the host's table holds after the read: the
@@ -97,7 +73,7 @@ int DumpCommand::run(std::ostream& out, std::ostream& err) const
     std::vector<std::pair<std::string, int>> parsed;
     for (const std::string& o : options) {
         std::pair<std::string, int> p;
-        if (!parse_option(o, p)) {
+        if (!parse_plugin_option(o, p)) {
             err << "velmora dump: --option " << o
                 << ": expected vmiOptProcessScanData, vmiOptProcessImageData or "
                    "vmiOptProcessOrthoticData =0 or =1\n";
@@ -105,7 +81,7 @@ int DumpCommand::run(std::ostream& out, std::ostream& err) const
         }
         parsed.push_back(p);
     }
-    if (const std::string why = unreadable(file); !why.empty()) {
+    if (const std::string why = unreadable_archive(file); !why.empty()) {
         err << "velmora dump: " << file << ": cannot read: " << why << '\n';
         return exit_unreadable;
     }
