@@ -27,17 +27,12 @@ int clamp_index(long long v, int limit)
 vmiBaseGrid::vmiBaseGrid(vmiBaseGrid& other)
     : x_size_(other.x_size_), y_size_(other.y_size_), d_x_(other.d_x_), d_y_(other.d_y_)
 {
-    if (other.points_ == nullptr || !size_allowed(x_size_, y_size_)) {
+    if (other.points_ == nullptr) {
         make_empty();
         return;
     }
-    long long n = static_cast<long long>(x_size_) * y_size_;
-    points_ = new (std::nothrow) m03DPoint[n];
-    if (points_ == nullptr) {
-        make_empty();
+    if (!allocate())
         return;
-    }
-    capacity_ = n;
     for (int i = 0; i < x_size_; i++)
         for (int j = 0; j < y_size_; j++)
             point(i, j, other.point(i, j));
@@ -46,17 +41,8 @@ vmiBaseGrid::vmiBaseGrid(vmiBaseGrid& other)
 vmiBaseGrid::vmiBaseGrid(const int& x_size, const int& y_size, const double& d_x, const double& d_y)
     : x_size_(x_size), y_size_(y_size), d_x_(d_x), d_y_(d_y)
 {
-    if (!size_allowed(x_size_, y_size_)) {
-        make_empty();
+    if (!allocate())
         return;
-    }
-    long long n = static_cast<long long>(x_size_) * y_size_;
-    points_ = new (std::nothrow) m03DPoint[n];
-    if (points_ == nullptr) {
-        make_empty();
-        return;
-    }
-    capacity_ = n;
     for (int i = 0; i < x_size_; i++)
         for (int j = 0; j < y_size_; j++)
             point(i, j, m03DPoint(i * d_x_, j * d_y_, empty_z));
@@ -78,6 +64,24 @@ vmiBaseGrid::vmiBaseGrid(m03DPoint* points, const int& x_size, const int& y_size
 vmiBaseGrid::~vmiBaseGrid()
 {
     delete[] points_;
+}
+
+// Allocates x_size * y_size nodes; a size beyond the bound or a failed
+// allocation leaves the grid empty (0 x 0) and gives false.
+bool vmiBaseGrid::allocate()
+{
+    if (!size_allowed(x_size_, y_size_)) {
+        make_empty();
+        return false;
+    }
+    const long long n = static_cast<long long>(x_size_) * y_size_;
+    points_ = new (std::nothrow) m03DPoint[n];
+    if (points_ == nullptr) {
+        make_empty();
+        return false;
+    }
+    capacity_ = n;
+    return true;
 }
 
 void vmiBaseGrid::make_empty()

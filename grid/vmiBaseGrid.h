@@ -110,6 +110,7 @@ private:
     // false when the row has no surface stretch and does not count.
     bool close_row(const int* c, const int& j);
     // Releases the array and leaves a 0 x 0 grid.
+    bool allocate();
     void make_empty();
 
     m03DPoint* points_ = nullptr;
