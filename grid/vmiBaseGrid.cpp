@@ -8,11 +8,6 @@
 
 namespace {
 
-// The empty marker: a node whose z is exactly this holds no height.
-constexpr double empty_z = -10000.0;
-// Below this a node does not count as a surface height for the row primitives.
-constexpr double valid_z = -1000.0;
-
 // Clamps a loop bound into 0 ... limit, computed wide so that b + 1 cannot overflow.
 int clamp_index(long long v, int limit)
 {

@@ -7,10 +7,19 @@
 #include "host/giBox3.h"
 
 class m03DVector;
+class m0BspCurve;
 class vmiPolylineGridMap;
 
 class vmiBaseGrid {
 public:
+    // A node is empty when its z is empty_z: constructors and clearing steps
+    // write exactly this value, and some tests take a node only above it.
+    static constexpr double empty_z = -10000.0;
+    // Other tests count a node as valid only when its z lies above valid_z, so
+    // that an empty node lowered or raised a little still counts as empty. Both
+    // thresholds are used as each operation says, not unified.
+    static constexpr double valid_z = -1000.0;
+
     // The most nodes one grid may hold (about 200 MB of nodes). A scan or an
     // insole grid holds well under a million; a record or a text that asks for
     // more (or whose x_size * y_size overflows) yields no grid instead of an
@@ -77,6 +86,18 @@ public:
     vmiBaseGrid* cut_boundary2(vmiPolylineGridMap& map);
     void make_closed_solid(vmiPolylineGridMap& map);
     void make_closed_solid(m03DVector* outline);
+
+    // A flat pad: inside the outline every node changes by z (mode 3 keeps the
+    // smaller, 1 replaces, any other adds), then the pad is smoothed.
+    void build_pelotte(m03DVector* outline, const double& z, const int& mode, const int& smooth);
+    // Spring over a band: z1 on one side of the line's crossings of each
+    // column, z2 on the other, linear in between.
+    void proc_HSpreng(m03DVector* line, const double& z1, const double& z2);
+    // Spring along the length: every row rises by the curve's y at j / y_size.
+    void proc_HSprenglinie(m0BspCurve* curve);
+    // Foot-model bead: each column crossed once by the line is shifted below
+    // the crossing and set flat from it on.
+    void build_HFFootMod(m03DVector* line, const double& minz, const double& height);
 
     // Mean height of the valid nodes around (i, j), half-width r - 1.
     double everage_height(const int& i, const int& j, const int& r);

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr double empty_z = -10000.0;
-constexpr double valid_z = -1000.0;
 // Closing the solid: the floor points lie at floor_z, and a node counts as
 // standing above the floor when it is higher than high_z. Both are part of the
 // design and differ on purpose.

@@ -1,0 +1,47 @@
+#pragma once
+// vmiHPline: a line modification ("HPlinie"). A centre line through n stations
+// and, at every station, a cross-section profile of height over the distance
+// from the line; the nodes inside the outline round the line take the
+// cross-section interpolated between the two nearest stations.
+#include <memory>
+
+#include "curves/m03DPoint.h"
+
+class m01DVector;
+class m03DVector;
+class m0BspCurve;
+class vmiBaseGrid;
+class vmiPolylineGridMap;
+
+class vmiHPline {
+public:
+    // x, y: n station positions; px, pz: five values per station (distance
+    // from the line and height of the profile's control points). The arrays
+    // stay the caller's; the object copies what it needs.
+    vmiHPline(vmiBaseGrid* grid, const int& n, double* x, double* y, double* px, double* pz);
+    ~vmiHPline();
+    vmiHPline(const vmiHPline&) = delete;
+    vmiHPline& operator=(const vmiHPline&) = delete;
+
+    // Mode 1 keeps the larger height, 0 adds, any other replaces.
+    void build_HPlinie(const int& mode);
+    m0BspCurve* bound_curve() { return bound_curve_.get(); }
+    m0BspCurve* main_curve() { return main_curve_.get(); }
+
+private:
+    friend struct vmiHPlineProbe;  // the tests reach the private steps
+
+    void init_curves(const int& n, double* x, double* y, double* px, double* pz);
+    m0BspCurve* create_bsp_curve(m03DVector* pts, const int& order);
+    int get_param_interval(const double& t);
+    double height(const int& i, const int& j);
+    double height(m0BspCurve* profile, const double& s);
+
+    std::unique_ptr<m0BspCurve> main_curve_;
+    std::unique_ptr<m01DVector> params_;
+    int n_ = 0;
+    std::unique_ptr<std::unique_ptr<m0BspCurve>[]> profiles_;
+    std::unique_ptr<m0BspCurve> bound_curve_;
+    std::unique_ptr<vmiPolylineGridMap> grid_map_;
+    vmiBaseGrid* grid_ = nullptr;
+};

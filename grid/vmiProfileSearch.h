@@ -1,0 +1,37 @@
+#pragma once
+// The height of a profile curve at a given x. A profile is a curve in the
+// (x, height) plane, so its parameter is not x: the parameter is found by
+// bisection until the point's x is near enough the target. The pad, the line
+// and the point modifier each search with their own constants, kept as
+// designed; they differ in nothing else.
+#include "curves/m0BspCurve.h"
+
+struct vmiProfileSearch {
+    // The interval that ends the bisection is tolerance / x_end, x_end being
+    // the profile's x at its end: the search looks no finer than that.
+    double tolerance;
+    // The search stops as soon as the point's x lies closer than this to the
+    // target.
+    double stop;
+
+    // A bisection halves its interval each step, which reaches 0 after some
+    // 1075 steps whatever the tolerance; a tolerance that is not positive
+    // (a profile ending at x <= 0) would otherwise never end it. No search with
+    // a positive tolerance is cut short by this bound.
+    static constexpr int max_steps = 1100;
+
+    // The height at x = target, for a profile whose x ends at x_end.
+    double height(const m0BspCurve& profile, const double& target, const double& x_end) const;
+};
+
+// The searches of the pad and the line take a relative radius s (0 at the
+// start of the profile, 1 at its end) and end in the profile's end heights
+// below 1e-7 and above 0.99999; the point's takes an absolute distance and
+// ends within 0.1 of either end.
+inline constexpr vmiProfileSearch pelotte_profile_search{0.01, 0.01};
+inline constexpr vmiProfileSearch line_profile_search{0.1, 0.05};
+inline constexpr vmiProfileSearch point_profile_search{0.2, 0.05};
+
+// The pad's and the line's search at relative radius s.
+double relative_profile_height(const vmiProfileSearch& search, const m0BspCurve& profile,
+                               const double& s);
