@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "curves/m03DPoint.h"
+#include "curves/m03SplineCurve.h"
 
 class m01DVector;
 class m03DVector;
@@ -15,9 +16,17 @@ class vmiPolylineGridMap;
 
 class vmiHPline {
 public:
+    // The most stations a line may have. Its outline has 2n + 3 points, and
+    // the spline through them gives a B-spline form of at most
+    // m03SplineCurve::max_bsp_segments segments; a line with more stations
+    // could have no outline, so it is not built at all (nothing is allocated
+    // for it and the grid stays as it is).
+    static constexpr int max_stations = m03SplineCurve::max_bsp_segments / 2 - 1;
+
     // x, y: n station positions; px, pz: five values per station (distance
     // from the line and height of the profile's control points). The arrays
-    // stay the caller's; the object copies what it needs.
+    // stay the caller's; the object copies what it needs. A missing array or
+    // fewer than two stations make a line that changes nothing.
     vmiHPline(vmiBaseGrid* grid, const int& n, double* x, double* y, double* px, double* pz);
     ~vmiHPline();
     vmiHPline(const vmiHPline&) = delete;

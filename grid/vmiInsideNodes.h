@@ -1,0 +1,32 @@
+#pragma once
+// The nodes a modifier sets: on every row of its outline's map, the intervals
+// between consecutive crossings alternate inside and outside, starting inside,
+// and each inside interval runs from its opening crossing node up to, but not
+// including, its closing one.
+#include "contour/vmiPolylineGridMap.h"
+
+// Calls visit(i, j) for every inside node, row by row from the map's y_min to
+// its y_max, each row from left to right.
+template <class Visit>
+void for_each_inside_node(vmiPolylineGridMap& map, Visit visit)
+{
+    for (int j = map.y_min(); j <= map.y_max(); j++) {
+        const int* c = map.get_y_intersections(j);
+        if (c == nullptr || c[0] <= 1)
+            continue;
+        for (int k = 1; k < c[0]; k += 2)
+            for (int i = c[k]; i < c[k + 1]; i++)
+                visit(i, j);
+    }
+}
+
+// How the line and the point combine a node's height z with their own v:
+// mode 1 keeps the larger, 0 adds, any other replaces.
+inline double combine_height(const int& mode, const double& z, const double& v)
+{
+    if (mode == 1)
+        return v > z ? v : z;
+    if (mode == 0)
+        return z + v;
+    return v;
+}
