@@ -14,6 +14,7 @@ class vmiHPunkt {
 public:
     // Takes ownership of the four profile arrays (five values each, allocated
     // with new[]), and frees each of them exactly once. The grid is not owned.
+    // Without all four arrays the point changes nothing.
     vmiHPunkt(vmiBaseGrid* grid, const double& alpha, const double& x, const double& y,
               double* xm1, double* ym1, double* xm2, double* ym2);
     ~vmiHPunkt();
