@@ -32,6 +32,8 @@ private:
     friend struct vmiHPelotteProbe;  // the tests reach the private steps
 
     void init_curves();
+    // The polar angle of every boundary-polyline point, rising once round.
+    void init_angles();
     m0BspCurve* create_bsp_curve(m03DVector* pts, const int& order);
     double angle(m03DPoint p);
     m03DPoint get_point_on_bound(double angle);
