@@ -348,6 +348,9 @@ void vmiVelmcontur::read_key(const Key& key)
         char* value = get_text();
         **text = utString(value ? value : "");
         delete[] value;
+    } else if (const SeenText* seen = std::get_if<SeenText>(&key.target)) {
+        read_key(Key{key.key, seen->text});
+        *seen->seen = true;
     } else if (int* const* i = std::get_if<int*>(&key.target)) {
         **i = get_tint();
     } else if (double* const* d = std::get_if<double*>(&key.target)) {

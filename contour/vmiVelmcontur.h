@@ -50,6 +50,16 @@ public:
     // it, or one that is not finite, is not built; a grid geometry beyond it is
     // refused.
     static constexpr double max_coordinate = 1.0e6;
+    // The most stations a line ("HPlinie") may have. Every node inside the
+    // line's outline projects onto the centre line, at a cost that grows with
+    // its stations; a line has a handful of stations (a few dozen at most),
+    // and one with more leaves the grid as it is.
+    static constexpr int max_line_stations = 256;
+    // The most heights a pad matrix ("HPelotteS") may hold: a 512 x 512 matrix,
+    // far finer than any pad (a few centimetres at a fraction of a millimetre).
+    // The matrix is refined to four times as many nodes before it is placed;
+    // a larger one is not applied.
+    static constexpr long long max_pad_matrix_nodes = 1LL << 18;
 
     // An array read from a key line: exactly the values read, never more. A
     // value asked for beyond them reads as 0.0.
@@ -125,9 +135,15 @@ private:
         double* a;
         double* b;
     };
+    // A text whose line was read at all (an empty text included).
+    struct SeenText {
+        utString* text;
+        bool* seen;
+    };
     // Where a key's value goes, by its type: text, int, float, or an array of
     // floats or ints read with a count (an ignored key reads into a scratch).
-    using KeyTarget = std::variant<utString*, int*, double*, SameValue, FloatArray*, IntArray*>;
+    using KeyTarget
+        = std::variant<utString*, SeenText, int*, double*, SameValue, FloatArray*, IntArray*>;
     // The count of an array key, taken when its line is read: fixed when a is
     // null, else factor * (*a) (* (*b) when b is given).
     struct KeyCount {
@@ -205,6 +221,17 @@ private:
     void add(vmiObjSpline* object);
     void add(vmiObject* object);
     static void shift_f_array(double* values, const double& delta, const int& n);
+    // n values of an array as a modifier takes them (new[], at least `least`
+    // of them), values the file did not give reading 0.0; null when the array
+    // is absent.
+    static double* copy_values(const FloatArray& array, const int& n, const int& least = 0);
+    // The pad matrix's heights placed by the matrix m (may be null) and
+    // resampled into a fresh grid of the working grid's geometry.
+    std::unique_ptr<vmiBaseGrid> place_pad(const FloatArray& mata, const int& xm, const int& ym,
+                                           const double& xre, const double& yre, double* m);
+    // The working grid's extents: nodes times spacing.
+    double extent_x() const;
+    double extent_y() const;
 
     int status_ = -1;
     std::unique_ptr<vmiVelmCoReader> reader_;

@@ -1,25 +1,101 @@
 // The height sections of the contour document (instruction 300, closed by
 // 399). Each reads its keys in its own order and types, so that the values of
-// one key are never taken for another, and then changes the working grid.
-// "HContour2" sets the insole outline; the other sections read their keys
-// completely, while their effect on the working grid (the pad, line, point and
-// torsion modifiers, spreng, foot model, smoothing, placement and deduction)
-// is not built yet: each says below where it goes.
+// one key are never taken for another, and then changes the working grid:
+// "HContour2" sets the insole outline, the others raise pads, lines, points
+// and torsions, add spring, set the foot-model bead, smooth, place and lower.
+// A section without a working grid reads its keys and changes nothing.
 #include "contour/vmiVelmcontur.h"
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 
 #include "archive/vmiObjSpline.h"
 #include "contour/vmiPolylineGridMap.h"
 #include "curves/m03DVector.h"
+#include "curves/m03SplineCurve.h"
+#include "curves/m0BspCurve.h"
 #include "grid/vmiBaseGrid.h"
+#include "grid/vmiHPelotte.h"
+#include "grid/vmiHPline.h"
+#include "grid/vmiHPunkt.h"
+#include "grid/vmiHTorsion.h"
 
 namespace {
 
 constexpr int close_height = 399;
+// Bands and areas reach one unit beyond the grid's edges, so that the edge
+// nodes lie inside them.
+constexpr double edge_margin = 1.0;
+// "yLUp=" of a torsion given as this runs the upper line along the grid's end;
+// the band limits of a smoothing given as this take the grid's ends.
+constexpr double to_the_end = -1.0;
+// A placement matrix as the files hold it: 16 values, of which the first 12
+// are the 3 x 4 matrix.
+constexpr int placement_values = 16;
+constexpr int placement_used = 12;
+// "HGloba" with "useMinZ=" puts the lowest valid point at "minZ=", or at this
+// height when "minZ=" is not above 0.
+constexpr double least_min_z = 0.01;
+constexpr double no_lowest_z = 1e10;
+// The profile of "HPunkt" has five control points.
+constexpr int point_profile_values = 5;
+// The spring band passes the height negated, and lifts the far side by this.
+constexpr double spring_far_side = 0.5;
+// The foot-model bead is sampled over this parameter range, wider than the
+// curve's own 0 ... 1, with this approximation argument.
+constexpr double bead_start = -0.25;
+constexpr double bead_end = 1.25;
+constexpr double bead_tolerance = 0.2;
+
+bool usable(vmiBaseGrid* grid)
+{
+    return grid && grid->x_size() >= 1 && grid->y_size() >= 1 && grid->points_array();
+}
+
+// A closed band of five points across the grid's whole width, one unit beyond
+// each edge, from the limits (y1l, y1r) to (y2r, y2l).
+m03DVector* band(const double& width, const double& y1l, const double& y1r, const double& y2r,
+                 const double& y2l)
+{
+    m03DVector* v = new (std::nothrow) m03DVector(5);
+    if (!v || v->size() != 5) {
+        delete v;
+        return nullptr;
+    }
+    const double left = -edge_margin, right = width + edge_margin;
+    v->set_point(0, m03DPoint(left, y1l, 0.0));
+    v->set_point(1, m03DPoint(right, y1r, 0.0));
+    v->set_point(2, m03DPoint(right, y2r, 0.0));
+    v->set_point(3, m03DPoint(left, y2l, 0.0));
+    v->set_point(4, m03DPoint(left, y1l, 0.0));
+    return v;
+}
 
 }  // namespace
+
+double vmiVelmcontur::extent_x() const
+{
+    return work_grid_->x_size() * work_grid_->d_x();
+}
+
+double vmiVelmcontur::extent_y() const
+{
+    return work_grid_->y_size() * work_grid_->d_y();
+}
+
+double* vmiVelmcontur::copy_values(const FloatArray& array, const int& n, const int& least)
+{
+    if (!array.present())
+        return nullptr;
+    const int size = std::max({n, least, 1});
+    double* values = new (std::nothrow) double[size];
+    if (!values)
+        return nullptr;
+    for (int i = 0; i < size; ++i)
+        values[i] = array.at(i);
+    return values;
+}
 
 void vmiVelmcontur::proc_HContour2()
 {
@@ -90,11 +166,12 @@ bool vmiVelmcontur::contour_fits(m03DVector* poly)
 void vmiVelmcontur::proc_HPelotteS()
 {
     utString name;
+    bool named = false;
     int flag = 1, xm = 0, ym = 0, nanz = 0;
     double xre = 0.0, yre = 0.0;
     FloatArray matt, speich, mata, xs, ys;
     read_section("HPelotteS", close_height,
-                 {{"name=", &name},
+                 {{"name=", SeenText {&name, &named}},
                   {"flag=", &flag},
                   {"xm=", &xm},
                   {"ym=", &ym},
@@ -106,10 +183,68 @@ void vmiVelmcontur::proc_HPelotteS()
                   {"nanz=", &nanz},
                   {"xs=", &xs, {&nanz}},
                   {"ys=", &ys, {&nanz}}});
-    // Not built yet: the pad's height matrix, placed by "matt=" or by
-    // create_transform of "speich=", is resampled into a grid of the working
-    // grid's geometry and merged into it (dropped when "flag=" is 0); its
-    // outline becomes the pad's limit curve, which is not kept.
+    // The pad's outline ("xs=", "ys=") would only make a limit curve that
+    // is released unused: it changes nothing and is not built.
+    // The matrix counts whole cells each way, so the pad sits centred half a
+    // cell off its own nodes.
+    const double hx = xm * xre * 0.5;
+    const double hy = ym * yre * 0.5;
+    std::unique_ptr<double[]> m;
+    if (matt.present() && speich.present()) {
+        std::unique_ptr<double[]> params(copy_values(speich, placement_values));
+        if (params) {
+            params[3] += hx;
+            params[4] += hy;
+            m.reset(create_transform(params.get()));
+        }
+    } else if (matt.present()) {
+        m.reset(copy_values(matt, placement_values));
+    }
+    // Only a named pad with heights is applied; an empty name counts.
+    if (!named || !mata.present() || !usable(work_grid_.get()))
+        return;
+    std::unique_ptr<vmiBaseGrid> pad = place_pad(mata, xm, ym, xre, yre, m.get());
+    if (!pad)
+        return;
+    if (flag != 0)
+        work_grid_->merge(*pad);
+    else
+        work_grid_->drop(*pad);
+}
+
+std::unique_ptr<vmiBaseGrid> vmiVelmcontur::place_pad(const FloatArray& mata, const int& xm,
+                                                      const int& ym, const double& xre,
+                                                      const double& yre, double* m)
+{
+    if (xm < 1 || ym < 1 || static_cast<long long>(xm) * ym > max_pad_matrix_nodes)
+        return nullptr;
+    const double hx = xm * xre * 0.5;
+    const double hy = ym * yre * 0.5;
+    m03DPoint* points = new (std::nothrow) m03DPoint[static_cast<size_t>(xm) * ym];
+    if (!points)
+        return nullptr;
+    for (int r = 0; r < ym; ++r)
+        for (int c = 0; c < xm; ++c)
+            points[static_cast<size_t>(xm) * r + c]
+                = m03DPoint(c * xre - hx, r * yre - hy, mata.at(xm * r + c));
+    std::unique_ptr<vmiBaseGrid> matrix(
+        new (std::nothrow) vmiBaseGrid(points, xm, ym, xre, yre));
+    if (!matrix) {
+        delete[] points;
+        return nullptr;
+    }
+    // The matrix is refined once before it is placed; the refined nodes copy
+    // their source nodes.
+    std::unique_ptr<vmiBaseGrid> fine(matrix->doubled());
+    matrix.reset();
+    if (!fine || !fine->points_array())
+        return nullptr;
+    const int fine_nodes = fine->x_size() * fine->y_size();
+    transform0(fine->points_array(), fine_nodes, m);
+    std::unique_ptr<vmiBaseGrid> placed = make_grid(xnum_, ynum_, xres_, yres_);
+    if (placed)
+        placed->merge1(fine->points_array(), fine_nodes);
+    return placed;
 }
 
 void vmiVelmcontur::proc_HGloba()
@@ -120,9 +255,24 @@ void vmiVelmcontur::proc_HGloba()
     read_section(
         "HGloba", close_height,
         {{"mat=", &mat, {nullptr, nullptr, 16}}, {"minZ=", &min_z}, {"useMinZ=", &use_min_z}});
-    // Not built yet: the working grid is placed by transform0 with "mat=",
-    // lifted first so that its lowest valid point ends at "minZ=" when
-    // "useMinZ=" is set.
+    if (!mat.present() || !usable(work_grid_.get()))
+        return;
+    std::unique_ptr<double[]> m(copy_values(mat, placement_values));
+    if (!m)
+        return;
+    m03DPoint* points = work_grid_->points_array();
+    const int nodes = work_grid_->x_size() * work_grid_->y_size();
+    if (use_min_z != 0) {
+        double lowest = no_lowest_z;
+        for (int k = 0; k < nodes; ++k)
+            if (points[k].z() > vmiBaseGrid::valid_z && points[k].z() < lowest)
+                lowest = points[k].z();
+        if (min_z <= 0.0)
+            min_z = least_min_z;
+        // The lowest valid point ends at minZ.
+        m[placement_used - 1] = min_z - lowest;
+    }
+    transform0(points, nodes, m.get());
 }
 
 void vmiVelmcontur::proc_HPelotte()
@@ -143,8 +293,22 @@ void vmiVelmcontur::proc_HPelotte()
                   {"y=", &y, {&nanz}},
                   {"xb=", &xb, {&nanz}},
                   {"yb=", &yb, {&nanz}}});
-    // Not built yet: a vmiHPelotte over the working grid takes the arrays
-    // and raises the pad with build_HPelotte(typus, awert, glaett).
+    // A pad needs an outline of at least two points; the profile arrays
+    // are optional (without them the pad is flat).
+    if (!x.present() || !y.present() || nanz < 2 || nanz > max_outline_points
+        || !usable(work_grid_.get()))
+        return;
+    // The profile reads three values of each profile array whatever the count.
+    constexpr int profile_values = 3;
+    std::unique_ptr<double[]> xs(copy_values(x, nanz)), ys(copy_values(y, nanz));
+    std::unique_ptr<double[]> xbs(copy_values(xb, nanz, profile_values));
+    std::unique_ptr<double[]> ybs(copy_values(yb, nanz, profile_values));
+    if (!xs || !ys || (xb.present() && !xbs) || (yb.present() && !ybs))
+        return;
+    std::unique_ptr<vmiHPelotte> pad(new (std::nothrow) vmiHPelotte(
+        work_grid_.get(), nanz, xs.release(), ys.release(), xbs.release(), ybs.release(), xm, ym));
+    if (pad)
+        pad->build_HPelotte(typus, awert, glaett);
 }
 
 void vmiVelmcontur::proc_HPlinie()
@@ -163,8 +327,20 @@ void vmiVelmcontur::proc_HPlinie()
                   {"y=", &y, {&nanz}},
                   {"xm=", &xm, {&nanz, nullptr, 5}},
                   {"ym=", &ym, {&nanz, nullptr, 5}}});
-    // Not built yet: a vmiHPline over the working grid takes the arrays and
-    // shapes the line with build_HPlinie(flag).
+    if (!x.present() || !y.present() || !xm.present() || !ym.present() || nanz < 2
+        || nanz > max_line_stations || !usable(work_grid_.get()))
+        return;
+    constexpr int station_values = 5;
+    std::unique_ptr<double[]> xs(copy_values(x, nanz)), ys(copy_values(y, nanz));
+    std::unique_ptr<double[]> px(copy_values(xm, station_values * nanz));
+    std::unique_ptr<double[]> pz(copy_values(ym, station_values * nanz));
+    if (!xs || !ys || !px || !pz)
+        return;
+    // The line copies what it needs; the arrays stay here.
+    std::unique_ptr<vmiHPline> line(new (std::nothrow) vmiHPline(
+        work_grid_.get(), nanz, xs.get(), ys.get(), px.get(), pz.get()));
+    if (line)
+        line->build_HPlinie(flag);
 }
 
 void vmiVelmcontur::proc_HPunkt()
@@ -184,8 +360,20 @@ void vmiVelmcontur::proc_HPunkt()
                   {"ym1=", &ym1, {nullptr, nullptr, 5}},
                   {"xm2=", &xm2, {nullptr, nullptr, 5}},
                   {"ym2=", &ym2, {nullptr, nullptr, 5}}});
-    // Not built yet: a vmiHPunkt over the working grid takes the point and
-    // its two profiles and shapes it with build_HPunkt(flag).
+    if (!xm1.present() || !ym1.present() || !xm2.present() || !ym2.present()
+        || !usable(work_grid_.get()))
+        return;
+    std::unique_ptr<double[]> a(copy_values(xm1, point_profile_values));
+    std::unique_ptr<double[]> b(copy_values(ym1, point_profile_values));
+    std::unique_ptr<double[]> c(copy_values(xm2, point_profile_values));
+    std::unique_ptr<double[]> d(copy_values(ym2, point_profile_values));
+    if (!a || !b || !c || !d)
+        return;
+    // The point owns its four profile arrays from here on.
+    std::unique_ptr<vmiHPunkt> point(new (std::nothrow) vmiHPunkt(
+        work_grid_.get(), alpha, x, y, a.release(), b.release(), c.release(), d.release()));
+    if (point)
+        point->build_HPunkt(flag);
 }
 
 void vmiVelmcontur::proc_HTorsion()
@@ -209,10 +397,38 @@ void vmiVelmcontur::proc_HTorsion()
                   {"mode=", &mode},
                   {"area=", &area},
                   {"smtype=", &smtype}});
-    // Not built yet: the axis and the three lines are crossed with
-    // lines_intersect, the contour with get_min_max_x_intersect, and a
-    // vmiHTorsion over the working grid twists the chosen side with
-    // build_HTorsion(smtype).
+    if (!usable(work_grid_.get()))
+        return;
+    // The grid's edges lie one unit beyond its first and last nodes.
+    const double left = -edge_margin, lower = -edge_margin;
+    const double right = extent_x() + edge_margin;
+    const double upper = extent_y() + edge_margin;
+    if (y_l_up == to_the_end)
+        y_l_up = y_r_up = upper;
+    const m03DPoint x_lo_point(x_lo, lower, 0.0), x_up_point(x_up, upper, 0.0);
+    const m03DPoint up_left(left, y_l_up, 0.0), up_right(right, y_r_up, 0.0);
+    const m03DPoint lo_left(left, y_l_lo, 0.0), lo_right(right, y_r_lo, 0.0);
+    const m03DPoint mid_left(left, y_l, 0.0), mid_right(right, y_r, 0.0);
+    m03DPoint a_up, a_lo, a_mid;
+    lines_intersect(up_left, up_right, x_lo_point, x_up_point, a_up);
+    lines_intersect(lo_left, lo_right, x_lo_point, x_up_point, a_lo);
+    lines_intersect(mid_left, mid_right, x_lo_point, x_up_point, a_mid);
+    // Without a contour the start values of the search stand.
+    m03DPoint leftmost, rightmost;
+    get_min_max_x_intersect(mid_left, mid_right, contour_.get(), leftmost, rightmost);
+    const m03DPoint p_contour = side == 0 ? leftmost : rightmost;
+    std::unique_ptr<m03DVector> polygon(new (std::nothrow) m03DVector(5));
+    if (!polygon || polygon->size() != 5)
+        return;
+    const m03DPoint corners_left[5] = {lo_left, up_left, a_up, a_lo, lo_left};
+    const m03DPoint corners_right[5] = {a_lo, a_up, up_right, lo_right, a_lo};
+    for (int k = 0; k < 5; ++k)
+        polygon->set_point(k, side == 0 ? corners_left[k] : corners_right[k]);
+    std::unique_ptr<vmiHTorsion> torsion(
+        new (std::nothrow) vmiHTorsion(work_grid_.get(), polygon.get(), up_left, up_right, lo_left,
+                                       lo_right, x_lo_point, x_up_point, a_mid, p_contour, value));
+    if (torsion)
+        torsion->build_HTorsion(smtype);
 }
 
 void vmiVelmcontur::proc_HSprenglinie()
@@ -228,9 +444,30 @@ void vmiVelmcontur::proc_HSprenglinie()
                   {"hsel=", &hsel, {&selcount}},
                   {"res=", &res},
                   {"hpos=", &hpos, {&selcount}}});
-    // Not built yet: with a contour, the profile through the stations above
-    // the outline's first row (get_y_min_max) becomes a spline whose B-spline
-    // form goes to the working grid's proc_HSprenglinie.
+    if (!contour_ || !usable(work_grid_.get()) || !hpos.present() || !hsel.present()
+        || selcount < 0 || selcount > max_outline_points)
+        return;
+    int ymin = 0, ymax = 0;
+    get_y_min_max(work_grid_.get(), contour_.get(), ymin, ymax);
+    // The profile runs along the foot (x) with the lift as its y, from 0 at
+    // the grid's start to 0 at its end.
+    const double d_y = work_grid_->d_y();
+    m03DVector* profile = new (std::nothrow) m03DVector(selcount + 2);
+    if (!profile || profile->size() != selcount + 2) {
+        delete profile;
+        return;
+    }
+    profile->set_point(0, m03DPoint(0.0, 0.0, 0.0));
+    for (int i = 0; i < selcount; ++i) {
+        // Row offsets are added wide: a file's offset cannot overflow them.
+        const double row = static_cast<double>(ymin) + hpos.at(i);
+        profile->set_point(i + 1, m03DPoint(row * d_y, hsel.at(i), 0.0));
+    }
+    profile->set_point(selcount + 1, m03DPoint(extent_y(), 0.0, 0.0));
+    m03SplineCurve spline(profile);
+    std::unique_ptr<m0BspCurve> curve(spline.bsp_curve());
+    if (curve)
+        work_grid_->proc_HSprenglinie(curve.get());
 }
 
 void vmiVelmcontur::proc_HSpreng()
@@ -249,8 +486,11 @@ void vmiVelmcontur::proc_HSpreng()
                   {"y1R=", &y1_r},
                   {"y2L=", &y2_l},
                   {"y2R=", &y2_r}});
-    // Not built yet: the band polygon one unit beyond each edge goes to the
-    // working grid's proc_HSpreng with the height negated and 0.5.
+    if (!usable(work_grid_.get()))
+        return;
+    std::unique_ptr<m03DVector> line(band(extent_x(), y1_l, y1_r, y2_r, y2_l));
+    if (line)
+        work_grid_->proc_HSpreng(line.get(), -z2, spring_far_side);
 }
 
 void vmiVelmcontur::proc_HFFootMod()
@@ -265,9 +505,26 @@ void vmiVelmcontur::proc_HFFootMod()
                   {"pinner=", &p_inner, {nullptr, nullptr, 2}},
                   {"height=", &height},
                   {"minz=", &min_z}});
-    // Not built yet: the cubic through pleft, pinner, pinner, pright
-    // (create_bsp_curve of order 4), approximated with (-0.25, 1.25, 0.2),
-    // goes to the working grid's build_HFFootMod(polyline, minz, height).
+    if (!usable(work_grid_.get()))
+        return;
+    // One cubic segment through the two ends, its apex doubled.
+    m03DVector* points = new (std::nothrow) m03DVector(4);
+    if (!points || points->size() != 4) {
+        delete points;
+        return;
+    }
+    points->set_point(0, m03DPoint(p_left.at(0), p_left.at(1), 0.0));
+    points->set_point(1, m03DPoint(p_inner.at(0), p_inner.at(1), 0.0));
+    points->set_point(2, m03DPoint(p_inner.at(0), p_inner.at(1), 0.0));
+    points->set_point(3, m03DPoint(p_right.at(0), p_right.at(1), 0.0));
+    constexpr int cubic = 4;
+    std::unique_ptr<m0BspCurve> curve(create_bsp_curve(points, cubic));
+    if (!curve)
+        return;
+    std::unique_ptr<m03DVector> bead(curve->approximate(bead_start, bead_end, bead_tolerance));
+    curve.reset();
+    if (bead)
+        work_grid_->build_HFFootMod(bead.get(), min_z, height);
 }
 
 void vmiVelmcontur::proc_HGlaett()
@@ -283,10 +540,31 @@ void vmiVelmcontur::proc_HGlaett()
                   {"y2l=", &y2l},
                   {"y2r=", &y2r}});
     smoothing_factor_ = gfactor;
-    // Not built yet: without band keys the whole grid is smoothed when
-    // gfactor >= 2, inside the contour map (with no contour map, the
-    // map-less do_smoothing(gfactor)); with band keys the band's own map is
-    // smoothed, with gfactor 1 as well.
+    if (!usable(work_grid_.get()))
+        return;
+    const bool upper_open = y1l == to_the_end && y1r == to_the_end;
+    const bool lower_open = y2l == to_the_end && y2r == to_the_end;
+    if (upper_open && lower_open) {
+        // The whole grid, inside the insole outline once there is one.
+        if (gfactor < 2)
+            return;
+        if (contour_map_)
+            work_grid_->do_smoothing(gfactor, *contour_map_);
+        else
+            work_grid_->do_smoothing(gfactor);
+        return;
+    }
+    // A band; a limit pair left open runs to the grid's end. A single -1.0
+    // of a pair stands as it is.
+    if (upper_open)
+        y1l = y1r = extent_y();
+    if (lower_open)
+        y2l = y2r = 0.0;
+    std::unique_ptr<m03DVector> limits(band(extent_x(), y1l, y1r, y2r, y2l));
+    if (!limits)
+        return;
+    vmiPolylineGridMap map(work_grid_.get(), limits.get());
+    work_grid_->do_smoothing(gfactor, map);
 }
 
 void vmiVelmcontur::proc_HAbzug()
@@ -294,5 +572,6 @@ void vmiVelmcontur::proc_HAbzug()
     utString name;
     double abzug = 0.0;
     read_section("HAbzug", close_height, {{"name=", &name}, {"abzug=", &abzug}});
-    // Not built yet: the working grid is lowered with do_HAbzug(abzug).
+    if (usable(work_grid_.get()))
+        work_grid_->do_HAbzug(abzug);
 }

@@ -91,10 +91,16 @@ TEST(vmiVelmconturEndToEnd, RealisticDesignOverABaseGrid_ProducesOutlinesAndTheC
     EXPECT_EQ(doc.smoothing_factor(), 2);
 
     // Inside the outline the scanned heights stand where the base grid was
-    // merged (lower left corner at the margin 30, 30); outside it is empty.
+    // merged (lower left corner at the margin 30, 30), smoothed once over
+    // 3 x 3 nodes ("gfactor=2"); outside it is empty.
     vmiBaseGrid* g = model->grid();
-    const double across = (85 - 30 - 55.0) / 55.0;
-    EXPECT_EQ(g->point(85, 170).z(), 4.0 + 6.0 * across * across + 0.02 * (280 - 140));
+    double sum = 0.0;
+    for (int i = 54; i <= 56; ++i)
+        for (int j = 139; j <= 141; ++j) {
+            const double across = (i - 55.0) / 55.0;
+            sum += 4.0 + 6.0 * across * across + 0.02 * (280 - j);
+        }
+    EXPECT_NEAR(g->point(85, 170).z(), sum / 9, 1e-12);
     EXPECT_EQ(g->point(160, 170).z(), -10000.0);
     EXPECT_EQ(g->point(85, 335).z(), -10000.0);
 }
