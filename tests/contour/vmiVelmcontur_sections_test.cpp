@@ -959,3 +959,32 @@ TEST(vmiVelmcontur, HPelotte_OutlineOfMoreThanMaxOutlinePointsIsNotApplied)
     auto past_bound = circle(vmiVelmcontur::max_outline_points + 1);
     EXPECT_EQ(heights(*past_bound->working_grid()), untouched_heights());
 }
+
+TEST(vmiVelmcontur, HTorsion_WithoutAContourRunsItsAxisToTheSearchsStartValue)
+{
+    // With no contour the middle line's leftmost crossing stays at the
+    // search's start, 1e10 along x: the axis is so long that every node
+    // rises by almost nothing, and the grid stays finite.
+    auto doc = on_flat_base(contour_text()
+                                .open_height("HTorsion")
+                                .key("value", 3.0)
+                                .key("yL", 50.0)
+                                .key("yR", 50.0)
+                                .key("xUp", 50.0)
+                                .key("xLo", 50.0)
+                                .key("yLLo", -1.0)
+                                .key("yRLo", -1.0)
+                                .key("yLUp", -1.0)
+                                .close_height()
+                                .end());
+    const std::vector<double> before = untouched_heights();
+    const std::vector<double> after = heights(*doc->working_grid());
+    ASSERT_EQ(after.size(), before.size());
+    bool changed = false;
+    for (std::size_t k = 0; k < after.size(); ++k) {
+        ASSERT_TRUE(std::isfinite(after[k]));
+        EXPECT_NEAR(after[k], before[k], 1e-6);
+        changed = changed || after[k] != before[k];
+    }
+    EXPECT_TRUE(changed);
+}
