@@ -103,6 +103,14 @@ private:
     std::vector<std::pair<std::string, std::pair<std::string, method>>> entries_;
 };
 
+// The ZIP bytes zip with the compression method of every entry named name
+// set to method in its local and central header, as a writer of that method
+// would have stored it (the data stays as it was: a reader that cannot decode
+// the method must not try).
+std::string with_method(std::string zip, const std::string& name, std::uint16_t method);
+// A method this build's libzip cannot decode.
+constexpr std::uint16_t zip_method_lzma = 14;
+
 // Whole-file helpers.
 bool write_file(const std::string& path, const std::string& bytes);
 std::string read_file(const std::string& path);
