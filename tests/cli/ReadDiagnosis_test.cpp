@@ -29,15 +29,6 @@ std::vector<std::string> reasons_of_bytes(const std::string& bytes, const std::s
     return reasons;
 }
 
-std::string zip_bytes(const vlm::archive& a, const std::string& tag)
-{
-    const std::string path = vlm::temp_path(tag);
-    EXPECT_TRUE(a.write(path));
-    std::string bytes = vlm::read_file(path);
-    std::remove(path.c_str());
-    return bytes;
-}
-
 } // namespace
 
 TEST(ReadDiagnosis, CatalogueOfAnUnreadableMethodNamesTheMethod)
@@ -45,7 +36,7 @@ TEST(ReadDiagnosis, CatalogueOfAnUnreadableMethodNamesTheMethod)
     vlm::archive a;
     a.add("00000000.vlk", scan_catalogue(5), vlm::method::stored);
     const auto reasons =
-        reasons_of_bytes(vlm::with_method(zip_bytes(a, "diag_lzma_w"), "00000000.vlk", vlm::zip_method_lzma),
+        reasons_of_bytes(vlm::with_method(a.bytes(), "00000000.vlk", vlm::zip_method_lzma),
                          "diag_lzma");
     ASSERT_EQ(reasons.size(), 1u);
     EXPECT_EQ(reasons[0], "catalogue 00000000.vlk uses ZIP compression method LZMA (14), which this build cannot read");
@@ -55,7 +46,7 @@ TEST(ReadDiagnosis, ZipWithoutCatalogueSaysSo)
 {
     vlm::archive a;
     a.add("VLM00005.dat", vlm::chunk_chain("PCSC", 4));
-    EXPECT_EQ(reasons_of_bytes(zip_bytes(a, "diag_nocat_w"), "diag_nocat"),
+    EXPECT_EQ(reasons_of_bytes(a.bytes(), "diag_nocat"),
               std::vector<std::string>{"the archive holds no catalogue entry (.vlk)"});
 }
 
@@ -63,7 +54,7 @@ TEST(ReadDiagnosis, EmptyCatalogueSaysSo)
 {
     vlm::archive a;
     a.add("00000.vlk", "");
-    EXPECT_EQ(reasons_of_bytes(zip_bytes(a, "diag_empty_w"), "diag_empty"),
+    EXPECT_EQ(reasons_of_bytes(a.bytes(), "diag_empty"),
               std::vector<std::string>{"catalogue 00000.vlk is empty"});
 }
 
@@ -71,7 +62,7 @@ TEST(ReadDiagnosis, TruncatedZipIsNoArchive)
 {
     vlm::archive a;
     a.add("00000.vlk", scan_catalogue(5));
-    const std::string whole = zip_bytes(a, "diag_trunc_w");
+    const std::string whole = a.bytes();
     EXPECT_EQ(reasons_of_bytes(whole.substr(0, whole.size() - 30), "diag_trunc"),
               std::vector<std::string>{"not a ZIP archive the unzip service can open"});
 }
@@ -82,7 +73,7 @@ TEST(ReadDiagnosis, ChainCutShortComesBeforeTheRecordItStarves)
     vlm::archive a;
     a.add("VLM00005.dat", vlm::chunk("PC") + vlm::chunk("SC").substr(0, 10));
     a.add("00000.vlk", scan_catalogue(5));
-    const auto reasons = reasons_of_bytes(zip_bytes(a, "diag_cut_w"), "diag_cut");
+    const auto reasons = reasons_of_bytes(a.bytes(), "diag_cut");
     ASSERT_EQ(reasons.size(), 2u);
     EXPECT_EQ(reasons[0], "data entry VLM00005.dat: chunk chain cut short after 1 chunk");
     EXPECT_EQ(reasons[1], "record 1 of catalogue 00000.vlk skipped: data entry 5 starts with \"PC\", not \"PCSC\"");

@@ -269,6 +269,14 @@ bool archive::write_zip64(const std::string& path) const
 
 // ---- files ----
 
+std::string archive::bytes() const
+{
+    const std::string path = temp_path("archive_bytes");
+    std::string out = write(path) ? read_file(path) : std::string();
+    std::remove(path.c_str());
+    return out;
+}
+
 std::string with_method(std::string zip, const std::string& name, std::uint16_t method)
 {
     const auto le16_at = [&](std::size_t at) {

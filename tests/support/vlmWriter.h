@@ -91,6 +91,8 @@ public:
     archive& add(const std::string& name, const std::string& content, method m = method::deflated);
     // Writes the entries in the order added through libzip; true on success.
     bool write(const std::string& path) const;
+    // The bytes write gives (through a temporary file); empty on failure.
+    std::string bytes() const;
     // Writes the entries by hand, stored, each with its sizes in a data
     // descriptor behind the data (flag bit 3; the local header's sizes are 0).
     bool write_with_data_descriptors(const std::string& path) const;
