@@ -3,10 +3,17 @@
 // the archive directory's list. It owns its decoded content.
 #include "host/utString.h"
 
+// What an entry is, by its name's extension.
+enum class vmiEntryKind {
+    other = 0,      // any other name; read past
+    data = 1,       // ".dat": a chain of compressed chunks
+    catalogue = 2,  // ".vlk": the catalogue text
+};
+
 class vmiArchiveElement {
 public:
     // Takes ownership of buf (allocated with new char[]).
-    vmiArchiveElement(utString name, char* buf, const int& len, const int& type, const int& indx);
+    vmiArchiveElement(utString name, char* buf, const int& len, const vmiEntryKind& type, const int& indx);
     ~vmiArchiveElement();
     vmiArchiveElement(const vmiArchiveElement&) = delete;
     vmiArchiveElement& operator=(const vmiArchiveElement&) = delete;
@@ -16,9 +23,8 @@ public:
     void buf(char* b) { buf_ = b; }
     int len() const { return len_; }
     void len(const int& l) { len_ = l; }
-    // 1 data file (".dat"), 2 catalogue (".vlk"), 0 other.
-    int type() const { return type_; }
-    void type(const int& t) { type_ = t; }
+    vmiEntryKind type() const { return type_; }
+    void type(const vmiEntryKind& t) { type_ = t; }
     // The entry's number, taken from its name.
     int indx() const { return indx_; }
     void indx(const int& i) { indx_ = i; }
@@ -29,7 +35,7 @@ private:
     utString name_;
     char* buf_;
     int len_;
-    int type_;
+    vmiEntryKind type_;
     int indx_;
     vmiArchiveElement* next_ = nullptr;
 };

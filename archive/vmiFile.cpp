@@ -7,6 +7,17 @@
 #include "archive/vmiReadObserver.h"
 #include "host/qozUnZip.h"
 
+namespace {
+
+// An entry that declares bytes but whose stream gives none: the unzip service
+// could not decode it (an unknown compression method, encryption, damage).
+bool unreadable(std::istream& in, std::int64_t stored_size)
+{
+    return stored_size > 0 && in.peek() == std::istream::traits_type::eof();
+}
+
+} // namespace
+
 vmiFile::vmiFile() = default;
 
 vmiFile::~vmiFile()
@@ -41,34 +52,57 @@ int vmiFile::read(utString file_name)
 void vmiFile::read_entries(const utString& file_name)
 {
     qozUnZip unzip;
-    if (!unzip.open(file_name))
+    if (!unzip.open(file_name)) {
+        skip(vmiReadSkip(vmiSkipReason::not_a_zip));
         return;
+    }
+    bool catalogue_met = false;
     while (unzip.next_archive()) {
         utString name = unzip.archive_name();
-        int type = 0;
+        vmiEntryKind type = vmiEntryKind::other;
         int indx = check_arhive_file_name(name, type);
         qozUnZipStreamBuf buf(unzip);
         std::istream in(&buf);
-        if (type == 2)
+        if (type == vmiEntryKind::catalogue) {
+            catalogue_met = true;
             read_catalogue_entry(in, name, indx, unzip.archive_size());
-        else if (type == 1)
+        } else if (type == vmiEntryKind::data) {
             read_data_entry(in, name, indx, unzip.archive_size());
-        else if (observer_)
-            observer_->entry(name, type, indx, unzip.archive_size(), nullptr, 0, 0);
+        } else if (observer_) {
+            observer_->entry(name, type, indx, unzip.archive_size(), nullptr, 0, 0, vmiChainEnd::end);
+        }
     }
+    if (!catalogue_met)
+        skip(vmiReadSkip(vmiSkipReason::no_catalogue));
 }
+
+void vmiFile::skip(vmiReadSkip why) const
+{
+    if (observer_)
+        observer_->skipped(why);
+}
+
 
 void vmiFile::read_catalogue_entry(std::istream& in, const utString& name, const int& indx,
                                    std::int64_t stored_size)
 {
-    // A catalogue longer than the buffer is cut there without notice.
+    const bool refused = observer_ && unreadable(in, stored_size);
+    // A catalogue longer than the buffer is cut there; only the observer hears of it.
     char* buf = new char[catalogue_buffer];
     in.read(buf, catalogue_buffer);
     int got = static_cast<int>(in.gcount());
-    if (observer_)
-        observer_->entry(name, 2, indx, stored_size, buf, got, 0);
+    if (observer_) {
+        observer_->entry(name, vmiEntryKind::catalogue, indx, stored_size, buf, got, 0, vmiChainEnd::end);
+        if (refused)
+            skip(vmiReadSkip(vmiSkipReason::entry_unreadable, name).with_bound(nullptr, stored_size, 0));
+        else if (got <= 0)
+            skip(vmiReadSkip(vmiSkipReason::catalogue_empty, name));
+        else if (got == catalogue_buffer && in.peek() != std::istream::traits_type::eof())
+            skip(vmiReadSkip(vmiSkipReason::catalogue_cut, name).with_bound("catalogue_buffer", stored_size,
+                            catalogue_buffer));
+    }
     if (got > 0)
-        archive_.add(new vmiArchiveElement(name, buf, got, 2, indx));
+        archive_.add(new vmiArchiveElement(name, buf, got, vmiEntryKind::catalogue, indx));
     else
         delete[] buf;
     // Processed at once: it sees only the data entries before it, and those
@@ -84,25 +118,30 @@ void vmiFile::read_catalogue_entry(std::istream& in, const utString& name, const
 void vmiFile::read_data_entry(std::istream& in, const utString& name, const int& indx,
                               std::int64_t stored_size)
 {
+    const bool refused = observer_ && unreadable(in, stored_size);
     int len = 0;
     int chunks = 0;
-    char* buf = extract_all_ZIP(in, len, chunks);
-    if (observer_)
-        observer_->entry(name, 1, indx, stored_size, buf, len, chunks);
+    vmiChainEnd end = vmiChainEnd::end;
+    char* buf = extract_all_ZIP(in, len, chunks, &end);
+    if (observer_) {
+        observer_->entry(name, vmiEntryKind::data, indx, stored_size, buf, len, chunks, end);
+        if (refused)
+            skip(vmiReadSkip(vmiSkipReason::entry_unreadable, name).with_bound(nullptr, stored_size, 0));
+    }
     if (buf)
-        archive_.add(new vmiArchiveElement(name, buf, len, 1, indx));
+        archive_.add(new vmiArchiveElement(name, buf, len, vmiEntryKind::data, indx));
 }
 
-int vmiFile::check_arhive_file_name(utString& name, int& type)
+int vmiFile::check_arhive_file_name(utString& name, vmiEntryKind& type)
 {
-    type = 0;
+    type = vmiEntryKind::other;
     const int n = name.length();
     if (n > 4) {
         const std::string ext = name.str().substr(static_cast<std::size_t>(n - 4));
         if (ext == ".dat")
-            type = 1;
+            type = vmiEntryKind::data;
         else if (ext == ".vlk")
-            type = 2;
+            type = vmiEntryKind::catalogue;
     }
     if (n <= 9)
         return 0;

@@ -14,6 +14,7 @@
 #include <istream>
 
 #include "archive/vmiArchiveDir.h"
+#include "archive/vmiReadReason.h"
 #include "archive/vmiVlk.h"
 #include "host/apByteOrderHandler.h"
 #include "host/qorabsTranslatorcoPrf.h"
@@ -77,9 +78,9 @@ public:
     // archive (the inspect tool); null (the default) for none. Not owned.
     void set_observer(vmiReadObserver* observer) { observer_ = observer; }
 
-    // Entry kind from the name's extension (1 ".dat", 2 ".vlk", 0 other) into
+    // Entry kind from the name's extension (".dat", ".vlk", other) into
     // type; returns the entry's number from the five characters before it.
-    int check_arhive_file_name(utString& name, int& type);
+    int check_arhive_file_name(utString& name, vmiEntryKind& type);
     // Decimal digits among count characters; every other character is skipped.
     int get_text_int(char* text, const int& count);
     // Hexadecimal digits (0-9, upper-case A-F) among exactly 8 characters,
@@ -89,10 +90,12 @@ public:
     // The chunks of a data entry joined into a new buffer (new char[]), or
     // null when no chunk produced a byte; its length in len.
     char* extract_all_ZIP(std::istream& in, int& len);
-    // The same, also giving the number of chunks joined.
-    char* extract_all_ZIP(std::istream& in, int& len, int& chunks);
+    // The same, also giving the number of chunks joined and, when end is
+    // given, why the chain ended.
+    char* extract_all_ZIP(std::istream& in, int& len, int& chunks, vmiChainEnd* end = nullptr);
     // As above with the bound on produced bytes given (tests use small ones).
-    char* join_chunks(std::istream& in, int& len, int& chunks, std::int64_t max_total);
+    char* join_chunks(std::istream& in, int& len, int& chunks, std::int64_t max_total,
+                      vmiChainEnd* end = nullptr);
     // Output room for a chunk that declares decompressed size d and has c
     // compressed bytes, with budget bytes left for the entry.
     static std::int64_t chunk_capacity(std::int64_t c, std::int64_t d, std::int64_t budget);
@@ -121,7 +124,7 @@ public:
     // The height grid of data entry indx (behind its 4-byte magic), or null.
     vmiBaseGrid* get_base_grid(const int& indx);
 
-    // The catalogue parser over the catalogue entry (type 2, number 0).
+    // The catalogue parser over the catalogue entry numbered 0.
     void proc_vlk();
     // Points the catalogue cursor at len bytes of text.
     void init_vlk(char* buf, const int& len);
@@ -180,7 +183,7 @@ public:
 
 private:
     struct vlk_outcome {
-        bool found = false;      // the catalogue element (type 2, number 0) exists
+        bool found = false;      // the catalogue element numbered 0 exists
         bool separator = false;  // its "-" line was met, so records were read
     };
     vlk_outcome parse_vlk();
@@ -203,6 +206,15 @@ private:
     long long declared_points();
     // Whether n more points fit the budget; if so they are counted.
     bool take_points(const long long& n);
+    // Tells the observer, if any, of a refusal.
+    void skip(vmiReadSkip why) const;
+    // A refusal of the level-3 record e of the catalogue being processed.
+    vmiReadSkip record_skip(const vmiVlkElement& e, vmiSkipReason reason) const;
+    // Why the data entry of record e gave no object: looked for only once the
+    // reader has refused it, so that reading takes the same path with or
+    // without an observer. Moves the cursor.
+    vmiReadSkip data_refusal(const vmiVlkElement& e, const char* magic);
+    vmiReadSkip object_refusal(const vmiVlkElement& e);
 
     // The contour records the tree builds are owned by their model nodes,
     // so the file keeps no array of them beside the tree.

@@ -128,7 +128,7 @@ vmiBaseGrid* vmiFile::create_base_grid()
 
 vmiBaseGrid* vmiFile::get_base_grid(const int& indx)
 {
-    vmiArchiveElement* e = archive_.get(1, indx);
+    vmiArchiveElement* e = archive_.get(vmiEntryKind::data, indx);
     if (!e)
         return nullptr;
     init_dat(e->buf(), e->len());

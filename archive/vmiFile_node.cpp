@@ -3,6 +3,7 @@
 // object under the scan group of the current level-2 group, one of an
 // orthotic model a contour record under its model group. The three options
 // of the host's resource table decide which records are taken.
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -12,6 +13,7 @@
 #include "archive/vmiNode.h"
 #include "archive/vmiObjGrid.h"
 #include "archive/vmiObject.h"
+#include "archive/vmiReadObserver.h"
 #include "archive/vmiVlkElement.h"
 #include "contour/vmiVelmcontur.h"
 #include "grid/vmiBaseGrid.h"
@@ -26,6 +28,8 @@ constexpr int image_type2_max = 205;
 // The objects of one catalogue get levels from this one on, a scan's image
 // the level of its scan.
 constexpr int first_scan_level = 10;
+// The first bytes of a contour record's data entry.
+constexpr const char* contour_magic = "0001";
 
 // The side a type2 names (modulo 100: 1 left, 2 right); any other value
 // leaves the side as it was.
@@ -105,6 +109,8 @@ void vmiFile::fill_node()
             fill_scan(*e, s);
         else if (e->level() == 3 && e->type1() == 3)
             fill_model(*e, s);
+        else if (e->level() == 3)
+            skip(record_skip(*e, vmiSkipReason::unknown_record));
     }
 }
 
@@ -135,11 +141,19 @@ void vmiFile::fill_level2(const vmiVlkElement& e, fill_state& s)
 void vmiFile::fill_scan(const vmiVlkElement& e, fill_state& s)
 {
     // Before any level-2 group a record has no group to hang on.
-    if ((!scan_on_ && !image_on_) || !s.level2)
+    if (!scan_on_ && !image_on_) {
+        skip(record_skip(e, vmiSkipReason::option_off));
         return;
+    }
+    if (!s.level2) {
+        skip(record_skip(e, vmiSkipReason::no_group));
+        return;
+    }
     const int type2 = e.type2();
-    if (type2 > image_type2_max)
+    if (type2 > image_type2_max) {
+        skip(record_skip(e, vmiSkipReason::unknown_record));
         return;
+    }
     if (!s.scan_group)
         s.scan_group = add_group(s.level2, utString("VelmScan(") + s.title + utString(")"),
                                  vmiNode::scan_group_type);
@@ -149,8 +163,11 @@ void vmiFile::fill_scan(const vmiVlkElement& e, fill_state& s)
         set_side(s.side, type2);
         if (scan_on_) {
             vmiObject* object = extract_obj(e.data_indx());
-            if (!object)
+            if (!object) {
+                if (observer_)
+                    skip(object_refusal(e));
                 return;
+            }
             utString name = utString("SCAN_") + s.side + e.date();
             vmiNode* node = add_group(s.scan_group, name, vmiNode::scan_type);
             if (!node) {
@@ -167,13 +184,18 @@ void vmiFile::fill_scan(const vmiVlkElement& e, fill_state& s)
             return;
         }
     }
-    if (!image_on_)
+    if (!image_on_) {
+        skip(record_skip(e, vmiSkipReason::option_off));
         return;
+    }
     // An image keeps the side, the level and the name of the scan before it.
     scan_data_offset_ = s.scan_offset;
     vmiObject* object = extract_obj(e.data_indx());
-    if (!object)
+    if (!object) {
+        if (observer_)
+            skip(object_refusal(e));
         return;
+    }
     vmiNode* node = add_group(s.scan_group, s.latest, vmiNode::scan_type);
     if (!node) {
         delete object;
@@ -187,8 +209,10 @@ void vmiFile::fill_scan(const vmiVlkElement& e, fill_state& s)
 
 void vmiFile::fill_model(const vmiVlkElement& e, fill_state& s)
 {
-    if (!orthotic_on_ || !s.level2)
+    if (!orthotic_on_ || !s.level2) {
+        skip(record_skip(e, orthotic_on_ ? vmiSkipReason::no_group : vmiSkipReason::option_off));
         return;
+    }
     if (!s.model_group)
         s.model_group = add_group(s.level2, utString("PCS models(") + s.title + utString(")"),
                                   vmiNode::model_group_type);
@@ -200,12 +224,18 @@ void vmiFile::fill_model(const vmiVlkElement& e, fill_state& s)
     vmiVlkElement* ref = catalogue_.get(e.ref_indx());
     vmiBaseGrid* grid = ref ? get_base_grid(ref->data_indx()) : nullptr;
     vmiVelmcontur* record = extract_velmcontur_data(e.data_indx(), contour_counter_, grid);
-    if (!record)
+    if (!record) {
+        if (observer_)
+            skip(data_refusal(e, contour_magic));
         return;
+    }
     // A model's grids are known once it is built; one the budget cannot
     // take is dropped again.
-    if (!take_points(model_points(record))) {
+    const long long points = model_points(record);
+    if (!take_points(points)) {
         delete record;
+        skip(record_skip(e, vmiSkipReason::bound_exceeded).with_bound("max_tree_points", tree_points_ + points,
+                        point_budget_));
         return;
     }
     vmiNode* node = new (std::nothrow) vmiNode(utString("MODEL_") + s.side + e.date(), vmiNode::model_type);
@@ -220,7 +250,7 @@ void vmiFile::fill_model(const vmiVlkElement& e, fill_state& s)
 
 bool vmiFile::select_dat(const int& indx, const char* magic)
 {
-    vmiArchiveElement* e = archive_.get(1, indx);
+    vmiArchiveElement* e = archive_.get(vmiEntryKind::data, indx);
     if (!e)
         return false;
     init_dat(e->buf(), e->len());
@@ -245,6 +275,64 @@ bool vmiFile::take_points(const long long& n)
     return true;
 }
 
+vmiReadSkip vmiFile::record_skip(const vmiVlkElement& e, vmiSkipReason reason) const
+{
+    vmiReadSkip why(reason, vlk_name_);
+    why.record = e.indx();
+    why.data_indx = e.data_indx();
+    if (reason == vmiSkipReason::unknown_record) {
+        why.value = e.type1();
+        why.limit = e.type2();
+    } else if (reason == vmiSkipReason::option_off) {
+        why.bound = e.type1() == 3                      ? opt_process_orthotic_data
+                    : e.type2() <= scan_type2_max && !scan_on_ ? opt_process_scan_data
+                                                        : opt_process_image_data;
+    }
+    return why;
+}
+
+vmiReadSkip vmiFile::data_refusal(const vmiVlkElement& e, const char* magic)
+{
+    const vmiArchiveElement* d = archive_.get(vmiEntryKind::data, e.data_indx());
+    if (!d)
+        return record_skip(e, vmiSkipReason::entry_not_found);
+    init_dat(d->buf(), d->len());
+    if (is_end(4) || std::memcmp(start_, magic, 4) != 0) {
+        vmiReadSkip why = record_skip(e, vmiSkipReason::wrong_magic);
+        why.found.assign(start_, static_cast<std::size_t>(std::min(len_, 4)));
+        why.wanted = magic;
+        return why;
+    }
+    return record_skip(e, vmiSkipReason::bad_record);
+}
+
+vmiReadSkip vmiFile::object_refusal(const vmiVlkElement& e)
+{
+    const bool model = select_dat(e.data_indx(), "PCSC");
+    if (!model && !select_dat(e.data_indx(), "PCIM"))
+        return data_refusal(e, e.type2() <= scan_type2_max ? "PCSC" : "PCIM");
+    if (!(model ? scan_on_ : image_on_)) {
+        vmiReadSkip why = record_skip(e, vmiSkipReason::option_off);
+        why.bound = model ? opt_process_scan_data : opt_process_image_data;
+        return why;
+    }
+    pass(4);
+    const long long points = declared_points();
+    pass(8);
+    const long long nx = int32();
+    const long long ny = int32();
+    const vmiReadSkip over = record_skip(e, vmiSkipReason::bound_exceeded);
+    if (points > point_budget_ - tree_points_)
+        return over.with_bound("max_tree_points", tree_points_ + points, point_budget_);
+    if (nx < 0 || ny < 0)
+        return record_skip(e, vmiSkipReason::bad_record);
+    if (model && !vmiBaseGrid::size_allowed(nx, ny))
+        return over.with_bound("vmiBaseGrid::max_nodes", nx * ny, vmiBaseGrid::max_nodes);
+    if (!model && (!vmiBaseGrid::size_allowed(nx, ny) || nx * ny > max_image_pixels))
+        return over.with_bound("max_image_pixels", nx * ny, max_image_pixels);
+    return record_skip(e, vmiSkipReason::bad_record);
+}
+
 vmiObject* vmiFile::extract_obj(const int& indx)
 {
     const bool model = select_dat(indx, "PCSC");
@@ -267,7 +355,7 @@ vmiObject* vmiFile::extract_obj(const int& indx)
 vmiVelmcontur* vmiFile::extract_velmcontur_data(const int& indx, const int& counter, vmiBaseGrid* grid)
 {
     std::unique_ptr<vmiBaseGrid> owned(grid);
-    if (!orthotic_on_ || !select_dat(indx, "0001"))
+    if (!orthotic_on_ || !select_dat(indx, contour_magic))
         return nullptr;
     // The record parses the whole text, magic included, and keeps the grid.
     vmiBaseGrid* kept = owned.release();

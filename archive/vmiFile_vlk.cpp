@@ -10,9 +10,17 @@
 void vmiFile::proc_vlk()
 {
     const vlk_outcome outcome = parse_vlk();
-    if (observer_)
+    if (observer_) {
         observer_->catalogue(vlk_name_, vlk_indx_, vlk_size_, outcome.found, outcome.separator,
                              catalogue_.first(), archive_);
+        // An entry without bytes was refused when it was read.
+        if (!outcome.found && vlk_size_ > 0)
+            skip(vmiReadSkip(vmiSkipReason::catalogue_not_found, vlk_name_));
+        else if (outcome.found && !outcome.separator)
+            skip(vmiReadSkip(vmiSkipReason::no_separator, vlk_name_));
+        else if (outcome.separator && !catalogue_.first())
+            skip(vmiReadSkip(vmiSkipReason::no_records, vlk_name_));
+    }
     // Without a separator line there are no records and no nodes.
     if (outcome.separator)
         fill_node();
@@ -22,7 +30,7 @@ vmiFile::vlk_outcome vmiFile::parse_vlk()
 {
     vlk_outcome outcome;
     // Only the catalogue numbered 0 is read; another number finds nothing.
-    vmiArchiveElement* e = archive_.get(2, 0);
+    vmiArchiveElement* e = archive_.get(vmiEntryKind::catalogue, 0);
     if (!e)
         return outcome;
     outcome.found = true;

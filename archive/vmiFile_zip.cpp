@@ -84,52 +84,91 @@ char* vmiFile::extract_all_ZIP(std::istream& in, int& len)
     return extract_all_ZIP(in, len, chunks);
 }
 
-char* vmiFile::extract_all_ZIP(std::istream& in, int& len, int& chunks)
+char* vmiFile::extract_all_ZIP(std::istream& in, int& len, int& chunks, vmiChainEnd* end)
 {
-    return join_chunks(in, len, chunks, max_entry_bytes);
+    return join_chunks(in, len, chunks, max_entry_bytes, end);
 }
 
-char* vmiFile::join_chunks(std::istream& in, int& len, int& chunks, std::int64_t max_total)
+namespace {
+
+// The first fault met is the chain's reason; later ones add nothing.
+void fault(vmiChainEnd& why, vmiChainEnd what)
+{
+    if (why == vmiChainEnd::end)
+        why = what;
+}
+
+bool more_follows(std::istream& in)
+{
+    return in.good() && in.peek() != std::istream::traits_type::eof();
+}
+
+} // namespace
+
+char* vmiFile::join_chunks(std::istream& in, int& len, int& chunks, std::int64_t max_total, vmiChainEnd* end)
 {
     len = 0;
     chunks = 0;
+    vmiChainEnd why = vmiChainEnd::end;
     // The joined length is an int.
     max_total = std::min<std::int64_t>(max_total, INT32_MAX);
     std::vector<chunk> table;
     std::int64_t total = 0;
     char header[header_size];
-    while (static_cast<int>(table.size()) < max_chunks && total < max_total &&
-           in.read(header, header_size) && in.gcount() == header_size) {
+    for (;;) {
+        if (static_cast<int>(table.size()) >= max_chunks || total >= max_total) {
+            if (end && more_follows(in))
+                fault(why, total >= max_total ? vmiChainEnd::budget : vmiChainEnd::limit);
+            break;
+        }
+        if (!in.read(header, header_size) || in.gcount() != header_size) {
+            if (in.gcount() > 0)
+                fault(why, vmiChainEnd::cut_short);
+            break;
+        }
         // A header that does not start with "ZIP" is passed over.
         if (std::memcmp(header, "ZIP", 3) != 0)
             continue;
         const std::int64_t c = get_text8_int(header + c_offset);
         const std::int64_t d = get_text8_int(header + d_offset);
         // A negative size is no chunk: the chain ends, the chunks before it stay.
-        if (c < 0 || d < 0)
+        if (c < 0 || d < 0) {
+            fault(why, vmiChainEnd::negative_size);
             break;
+        }
         const std::int64_t budget = max_total - total;
         const std::int64_t wanted = std::min(c, input_limit(budget));
         std::vector<char> src = read_input(in, wanted);
+        if (static_cast<std::int64_t>(src.size()) < wanted)
+            fault(why, vmiChainEnd::cut_short);
         chunk k;
         k.declared = d;
         k.produced.resize(static_cast<std::size_t>(chunk_capacity(static_cast<std::int64_t>(src.size()), d, budget)));
         int src_len = static_cast<int>(src.size());
         int dst_len = static_cast<int>(k.produced.size());
-        // The result code is not looked at: a short or corrupt chunk keeps
-        // whatever it produced and still takes its declared room.
+        // The result code decides nothing: a short or corrupt chunk keeps
+        // whatever it produced and still takes its declared room. It only
+        // names the fault, unless the room was cut by the budget.
+        int rc = 0;
         if (dst_len > 0 && src_len > 0)
-            un_compress(src.data(), src_len, k.produced.data(), dst_len);
+            rc = un_compress(src.data(), src_len, k.produced.data(), dst_len);
         else
             dst_len = 0;
+        if (rc != 0)
+            fault(why, static_cast<std::int64_t>(k.produced.size()) == budget && budget < d ? vmiChainEnd::budget
+                                                                                              : vmiChainEnd::bad_stream);
         k.produced.resize(static_cast<std::size_t>(std::max(dst_len, 0)));
         total += static_cast<std::int64_t>(k.produced.size());
         table.push_back(std::move(k));
         // The rest of an over-long chunk is not read, so no header can be
         // found behind it.
-        if (wanted < c)
+        if (wanted < c) {
+            fault(why, vmiChainEnd::budget);
             break;
+        }
     }
+    if (end)
+        *end = why;
     chunks = static_cast<int>(table.size());
     if (total <= 0)
         return nullptr;

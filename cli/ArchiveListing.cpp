@@ -7,9 +7,6 @@
 
 namespace {
 
-constexpr int data_entry = 1;
-constexpr int catalogue_entry = 2;
-
 ListedRecord listed_record(const vmiVlkElement& e, vmiArchiveDir& archive)
 {
     ListedRecord r;
@@ -23,7 +20,7 @@ ListedRecord listed_record(const vmiVlkElement& e, vmiArchiveDir& archive)
     r.comment = e.comment().str();
     r.name0 = e.name0().str();
     r.data_indx = e.data_indx();
-    if (const vmiArchiveElement* data = archive.get(data_entry, r.data_indx)) {
+    if (const vmiArchiveElement* data = archive.get(vmiEntryKind::data, r.data_indx)) {
         r.data_found = true;
         r.data_magic = ArchiveListing::magic_of(data->buf(), data->len());
     }
@@ -41,16 +38,18 @@ std::optional<std::string> ArchiveListing::magic_of(const char* content, int len
     return m;
 }
 
-void ArchiveListing::entry(const utString& name, int type, int indx, std::int64_t stored_size,
-                           const char* content, int len, int chunks)
+void ArchiveListing::entry(const utString& name, vmiEntryKind type, int indx, std::int64_t stored_size,
+                           const char* content, int len, int chunks, vmiChainEnd end)
 {
+    ReadDiagnosis::entry(name, type, indx, stored_size, content, len, chunks, end);
     ListedEntry e;
     e.name = name.str();
     e.type = type;
     e.number = indx;
     e.stored_size = stored_size;
-    if (type == data_entry || type == catalogue_entry) e.size = content ? len : 0;
+    if (type != vmiEntryKind::other) e.size = content ? len : 0;
     e.chunks = chunks;
+    e.chain = end;
     e.magic = magic_of(content, len);
     if (content != nullptr && len > 0) e.sha256 = Sha256::hex(content, static_cast<std::size_t>(len));
     entries_.push_back(std::move(e));

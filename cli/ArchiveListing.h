@@ -3,21 +3,23 @@
 // vmiFile::read as a vmiReadObserver and keeps, in archive order, every entry
 // with the digest of its decoded content and every catalogue with the records
 // the parser made, so that the listing is the archive exactly as the reader
-// walked it.
+// walked it, and the reasons the reader gave on the way.
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "archive/vmiReadObserver.h"
+#include "cli/ReadDiagnosis.h"
 
 struct ListedEntry {
     std::string name;
-    int type = 0;                     // 1 data, 2 catalogue, 0 other
+    vmiEntryKind type = vmiEntryKind::other;
     int number = 0;
     std::int64_t stored_size = 0;
     std::optional<int> size;          // decoded bytes; none for an "other" entry
     int chunks = 0;
+    vmiChainEnd chain = vmiChainEnd::end;  // data entries: why the chunk chain ended
     std::optional<std::string> magic; // first four bytes, none when shorter
     std::optional<std::string> sha256;
 };
@@ -48,10 +50,13 @@ struct ListedCatalogue {
     std::vector<ListedRecord> records;
 };
 
-class ArchiveListing : public vmiReadObserver {
+class ArchiveListing : public ReadDiagnosis {
 public:
-    void entry(const utString& name, int type, int indx, std::int64_t stored_size,
-               const char* content, int len, int chunks) override;
+    // archive: the file being read (see ReadDiagnosis); empty when unknown.
+    explicit ArchiveListing(std::string archive = {}) : ReadDiagnosis(std::move(archive)) {}
+
+    void entry(const utString& name, vmiEntryKind type, int indx, std::int64_t stored_size,
+               const char* content, int len, int chunks, vmiChainEnd end) override;
     void catalogue(const utString& name, int indx, int size, bool found, bool separator,
                    const vmiVlkElement* records, vmiArchiveDir& archive) override;
 

@@ -16,6 +16,7 @@
 #include "cli/ObjWriter.h"
 #include "cli/PlyWriter.h"
 #include "cli/PluginImport.h"
+#include "cli/ReadDiagnosis.h"
 #include "cli/SceneCollector.h"
 #include "cli/StlWriter.h"
 
@@ -145,7 +146,7 @@ int ConvertCommand::run(std::ostream&, std::ostream& err) const
         err << "velmora convert: cannot load the plug-in: " << reason << '\n';
         return exit_unreadable;
     case PluginImport::nothing_imported:
-        err << "velmora convert: " << file << ": the import produced nothing\n";
+        err << "velmora convert: " << file << ": " << nothing_imported(file) << '\n';
         return exit_nothing_imported;
     case PluginImport::imported: break;
     }

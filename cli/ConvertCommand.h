@@ -15,9 +15,6 @@ struct Scene;
 
 class ConvertCommand {
 public:
-    // Exit status: the import produced nothing (read_input gave 0).
-    static constexpr int exit_nothing_imported = 1;
-
     enum class Format { glb, gltf, obj, ply, stl, unknown };
 
     std::string file;

@@ -14,6 +14,7 @@
 #include "cli/ExitCode.h"
 #include "cli/PluginIdentity.h"
 #include "cli/PluginImport.h"
+#include "cli/ReadDiagnosis.h"
 #include "host/qorResourceTable.h"
 #include "host/utBoolcoResourceKey.h"
 
@@ -102,7 +103,7 @@ int DumpCommand::run(std::ostream& out, std::ostream& err) const
     doc.top = &sink.top();
     DumpWriter(summary, compact).write(out, doc);
     if (outcome == PluginImport::nothing_imported) {
-        err << "velmora dump: " << file << ": the import produced nothing\n";
+        err << "velmora dump: " << file << ": " << nothing_imported(file) << '\n';
         return exit_nothing_imported;
     }
     return exit_success;

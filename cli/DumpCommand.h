@@ -13,10 +13,6 @@ class App;
 
 class DumpCommand {
 public:
-    // Exit status: the import produced nothing (read_input gave 0). The dump
-    // is printed all the same, with "result": 0 and "root": null.
-    static constexpr int exit_nothing_imported = 1;
-
     std::string file;
     // NAME=0|1, each as given; a later one overrides an earlier.
     std::vector<std::string> options;

@@ -34,9 +34,22 @@ std::string unreadable_reason(const std::string& file)
     return {};
 }
 
-const char* kind_name(int type)
+const char* kind_name(vmiEntryKind type)
 {
-    return type == 1 ? "data" : type == 2 ? "catalogue" : "other";
+    return type == vmiEntryKind::data ? "data" : type == vmiEntryKind::catalogue ? "catalogue" : "other";
+}
+
+const char* chain_name(vmiChainEnd end)
+{
+    switch (end) {
+    case vmiChainEnd::end: return "end";
+    case vmiChainEnd::limit: return "limit";
+    case vmiChainEnd::budget: return "budget";
+    case vmiChainEnd::negative_size: return "negative_size";
+    case vmiChainEnd::cut_short: return "cut_short";
+    case vmiChainEnd::bad_stream: return "bad_stream";
+    }
+    return "end";
 }
 
 void write_optional(JsonWriter& w, const std::optional<std::string>& s)
@@ -59,6 +72,10 @@ void write_entry(JsonWriter& w, const ListedEntry& e)
     if (e.size) w.integer(*e.size);
     else w.null();
     w.key("chunks").integer(e.chunks);
+    // Why the chunk chain ended; only a data entry has one.
+    w.key("chain");
+    if (e.type == vmiEntryKind::data) w.string(chain_name(e.chain));
+    else w.null();
     w.key("magic");
     write_optional(w, e.magic);
     w.key("sha256");
@@ -113,7 +130,7 @@ int ListingCommand::run(std::ostream& out, std::ostream& err) const
         err << "velmora: " << file << ": " << reason << '\n';
         return exit_unreadable;
     }
-    ArchiveListing listing;
+    ArchiveListing listing(file);
     {
         vmiFile reader;
         reader.set_observer(&listing);
@@ -138,6 +155,9 @@ void ListingCommand::write_json(const ArchiveListing& listing, std::ostream& out
     w.end_array();
     w.key("catalogues").begin_array();
     for (const ListedCatalogue& c : listing.catalogues()) write_catalogue(w, c);
+    w.end_array();
+    w.key("reasons").begin_array();
+    for (const std::string& r : listing.reasons()) w.string(r);
     w.end_array();
     w.end_object();
     w.finish();
@@ -189,15 +209,16 @@ void write_entry_table(const ArchiveListing& listing, std::ostream& out)
 {
     out << "entries: " << listing.entries().size() << '\n';
     if (listing.entries().empty()) return;
-    const std::vector<Column> columns = {{"name", false},   {"kind", false},  {"number", true},
-                                         {"stored", true},  {"size", true},   {"chunks", true},
-                                         {"magic", false},  {"sha256", false}};
+    const std::vector<Column> columns = {{"name", false},  {"kind", false},  {"number", true},
+                                         {"stored", true}, {"size", true},   {"chunks", true},
+                                         {"chain", false}, {"magic", false}, {"sha256", false}};
     std::vector<std::vector<std::string>> rows;
     for (const ListedEntry& e : listing.entries()) {
         // The name is quoted as JSON quotes it, so that every byte shows.
         rows.push_back({json_string(e.name), kind_name(e.type), std::to_string(e.number),
                         e.stored_size >= 0 ? std::to_string(e.stored_size) : "-",
                         e.size ? std::to_string(*e.size) : "-", std::to_string(e.chunks),
+                        e.type == vmiEntryKind::data ? chain_name(e.chain) : "-",
                         or_dash(e.magic), e.sha256 ? e.sha256->substr(0, 16) : "-"});
     }
     write_rows(columns, rows, out);
@@ -218,7 +239,7 @@ std::string record_line(const ListedRecord& r)
 void write_catalogue_table(const ListedCatalogue& c, std::ostream& out)
 {
     out << "catalogue " << json_string(c.entry) << ": number " << c.number << ", " << c.size << " bytes, "
-        << (c.found ? "found" : "not found (only number 0 is read)") << ", "
+        << (c.found ? "found" : "not found") << ", "
         << (c.separator ? "separator line met" : "no separator line") << ", " << c.records.size()
         << " records\n";
     for (const ListedRecord& r : c.records) out << "  " << record_line(r) << '\n';
@@ -232,4 +253,6 @@ void ListingCommand::write_table(const std::string& file, const ArchiveListing& 
     write_entry_table(listing, out);
     out << "catalogues: " << listing.catalogues().size() << '\n';
     for (const ListedCatalogue& c : listing.catalogues()) write_catalogue_table(c, out);
+    out << "reasons: " << listing.reasons().size() << '\n';
+    for (const std::string& r : listing.reasons()) out << "  " << json_string(r) << '\n';
 }

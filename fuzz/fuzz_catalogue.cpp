@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ArchiveListing listing;
     vmiFile reader;
     reader.set_observer(&listing);
-    reader.archive().add(new vmiArchiveElement(utString("00000.vlk"), buf, len, 2, 0));
+    reader.archive().add(new vmiArchiveElement(utString("00000.vlk"), buf, len, vmiEntryKind::catalogue, 0));
     reader.proc_vlk();
     reader.catalogue().free();
     reader.archive().free();

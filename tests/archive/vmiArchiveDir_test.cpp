@@ -9,21 +9,21 @@
 TEST(VmiArchiveDir, GetFindsTheFirstElementOfTypeAndNumber)
 {
     vmiArchiveDir dir;
-    vmiArchiveElement* a = new vmiArchiveElement("00001.dat", new char[1], 1, 1, 1);
-    vmiArchiveElement* b = new vmiArchiveElement("XX00001.dat", new char[2], 2, 1, 1);
-    vmiArchiveElement* c = new vmiArchiveElement("00000.vlk", new char[3], 3, 2, 1);
+    vmiArchiveElement* a = new vmiArchiveElement("00001.dat", new char[1], 1, vmiEntryKind::data, 1);
+    vmiArchiveElement* b = new vmiArchiveElement("XX00001.dat", new char[2], 2, vmiEntryKind::data, 1);
+    vmiArchiveElement* c = new vmiArchiveElement("00000.vlk", new char[3], 3, vmiEntryKind::catalogue, 1);
     dir.add(a);
     dir.add(b);
     dir.add(c);
-    EXPECT_EQ(dir.get(1, 1), a);
-    EXPECT_EQ(dir.get(2, 1), c);
-    EXPECT_EQ(dir.get(1, 2), nullptr);
+    EXPECT_EQ(dir.get(vmiEntryKind::data, 1), a);
+    EXPECT_EQ(dir.get(vmiEntryKind::catalogue, 1), c);
+    EXPECT_EQ(dir.get(vmiEntryKind::data, 2), nullptr);
     EXPECT_EQ(dir.count(), 3);
     EXPECT_EQ(dir.first(), a);
     EXPECT_EQ(a->next(), b);
     dir.free();
     EXPECT_EQ(dir.count(), 0);
-    EXPECT_EQ(dir.get(1, 1), nullptr);
+    EXPECT_EQ(dir.get(vmiEntryKind::data, 1), nullptr);
 }
 
 TEST(VmiVlk, GetFindsTheFirstRecordOfANumberInFileOrder)

@@ -248,7 +248,7 @@ TEST(GetBaseGrid, ReadsTheDataEntryOfThatNumberBehindItsMagic)
     vmiFile f;
     char* buf = new char[entry.size()];
     std::memcpy(buf, entry.data(), entry.size());
-    f.archive().add(new vmiArchiveElement("XY00007.dat", buf, static_cast<int>(entry.size()), 1, 7));
+    f.archive().add(new vmiArchiveElement("XY00007.dat", buf, static_cast<int>(entry.size()), vmiEntryKind::data, 7));
     EXPECT_EQ(f.get_base_grid(8), nullptr);
     std::unique_ptr<vmiBaseGrid> grid(f.get_base_grid(7));
     ASSERT_TRUE(grid);

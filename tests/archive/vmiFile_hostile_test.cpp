@@ -35,7 +35,7 @@ TEST(Hostile, RandomCatalogueTextAlwaysEndsWithinItsBuffer)
         for (int k = 0; k < n; ++k)
             text += alphabet[rng() % (sizeof alphabet - 1)];
         vmiFile f;
-        f.archive().add(new vmiArchiveElement("00000.vlk", exact_copy(text), static_cast<int>(text.size()), 2, 0));
+        f.archive().add(new vmiArchiveElement("00000.vlk", exact_copy(text), static_cast<int>(text.size()), vmiEntryKind::catalogue, 0));
         f.proc_vlk();
         // Header and records are read to the end of the text, whatever it holds.
         EXPECT_EQ(f.is_vlk_end(), 1) << text;

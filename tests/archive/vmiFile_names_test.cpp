@@ -4,7 +4,7 @@
 #include "archive/vmiFile.h"
 
 namespace {
-int number_of(const char* name, int& type)
+int number_of(const char* name, vmiEntryKind& type)
 {
     vmiFile f;
     utString n(name);
@@ -19,46 +19,46 @@ int hex8(const char* text)
 
 TEST(CheckArhiveFileName, DataDotDatIsADataEntryNumberedZero)
 {
-    int type = -1;
+    vmiEntryKind type = vmiEntryKind::other;
     EXPECT_EQ(number_of("data.dat", type), 0);
-    EXPECT_EQ(type, 1);
+    EXPECT_EQ(type, vmiEntryKind::data);
 }
 
 TEST(CheckArhiveFileName, NumberIsTheFiveCharactersBeforeTheExtension)
 {
-    int type = -1;
+    vmiEntryKind type = vmiEntryKind::other;
     EXPECT_EQ(number_of("XY00012.dat", type), 12);
-    EXPECT_EQ(type, 1);
+    EXPECT_EQ(type, vmiEntryKind::data);
     EXPECT_EQ(number_of("ABCD00001.vlk", type), 1);
-    EXPECT_EQ(type, 2);
+    EXPECT_EQ(type, vmiEntryKind::catalogue);
 }
 
 TEST(CheckArhiveFileName, NineCharactersOrFewerGiveNumberZero)
 {
-    int type = -1;
+    vmiEntryKind type = vmiEntryKind::other;
     EXPECT_EQ(number_of("00000.vlk", type), 0);
-    EXPECT_EQ(type, 2);
+    EXPECT_EQ(type, vmiEntryKind::catalogue);
     EXPECT_EQ(number_of("A12B3.dat", type), 0);
-    EXPECT_EQ(type, 1);
+    EXPECT_EQ(type, vmiEntryKind::data);
 }
 
 TEST(CheckArhiveFileName, ExtensionIsCaseSensitiveAndOtherNamesAreTypeZero)
 {
-    int type = -1;
+    vmiEntryKind type = vmiEntryKind::other;
     EXPECT_EQ(number_of("XY00012.DAT", type), 12);
-    EXPECT_EQ(type, 0);
+    EXPECT_EQ(type, vmiEntryKind::other);
     EXPECT_EQ(number_of("notes.txt", type), 0);
-    EXPECT_EQ(type, 0);
+    EXPECT_EQ(type, vmiEntryKind::other);
     // Exactly four characters: too short for an extension.
     EXPECT_EQ(number_of(".dat", type), 0);
-    EXPECT_EQ(type, 0);
+    EXPECT_EQ(type, vmiEntryKind::other);
     EXPECT_EQ(number_of("", type), 0);
-    EXPECT_EQ(type, 0);
+    EXPECT_EQ(type, vmiEntryKind::other);
 }
 
 TEST(CheckArhiveFileName, NonDigitsAmongTheNumberCharactersAreSkipped)
 {
-    int type = -1;
+    vmiEntryKind type = vmiEntryKind::other;
     EXPECT_EQ(number_of("XX1a2b3.dat", type), 123);
 }
 

@@ -16,12 +16,13 @@ namespace {
 
 struct seen_entry {
     std::string name;
-    int type;
+    vmiEntryKind type;
     int indx;
     std::int64_t stored_size;
     bool has_content;
     std::string content;
     int chunks;
+    vmiChainEnd end;
 };
 
 struct seen_catalogue {
@@ -40,13 +41,17 @@ class recorder : public vmiReadObserver {
 public:
     std::vector<seen_entry> entries;
     std::vector<seen_catalogue> catalogues;
+    std::vector<vmiReadSkip> skips;
 
-    void entry(const utString& name, int type, int indx, std::int64_t stored_size, const char* content, int len,
-               int chunks) override
+    void entry(const utString& name, vmiEntryKind type, int indx, std::int64_t stored_size, const char* content,
+               int len, int chunks, vmiChainEnd end) override
     {
         entries.push_back({name.str(), type, indx, stored_size, content != nullptr,
-                           content ? std::string(content, static_cast<std::size_t>(len)) : std::string(), chunks});
+                           content ? std::string(content, static_cast<std::size_t>(len)) : std::string(), chunks,
+                           end});
     }
+
+    void skipped(const vmiReadSkip& why) override { skips.push_back(why); }
 
     void catalogue(const utString& name, int indx, int size, bool found, bool separator,
                    const vmiVlkElement* records, vmiArchiveDir& archive) override
@@ -56,7 +61,7 @@ public:
             c.levels.push_back(r->level());
             c.name0s.push_back(r->name0().str());
             if (r->level() == 3)
-                c.data_found.push_back(archive.get(1, r->data_indx()) ? 1 : 0);
+                c.data_found.push_back(archive.get(vmiEntryKind::data, r->data_indx()) ? 1 : 0);
         }
         catalogues.push_back(c);
     }
@@ -97,15 +102,15 @@ TEST(Read, ObserverSeesEveryEntryInArchiveOrderWithItsContent)
     read_with(a, rec, "order.vlm");
     ASSERT_EQ(rec.entries.size(), 3u);
     EXPECT_EQ(rec.entries[0].name, "VLM00005.dat");
-    EXPECT_EQ(rec.entries[0].type, 1);
+    EXPECT_EQ(rec.entries[0].type, vmiEntryKind::data);
     EXPECT_EQ(rec.entries[0].indx, 5);
     EXPECT_EQ(rec.entries[0].content, "PCSC and more bytes");
     EXPECT_EQ(rec.entries[0].chunks, 4);
     EXPECT_EQ(rec.entries[0].stored_size,
               static_cast<std::int64_t>(vlm::chunk_chain("PCSC and more bytes", 5).size()));
-    EXPECT_EQ(rec.entries[1].type, 0);
+    EXPECT_EQ(rec.entries[1].type, vmiEntryKind::other);
     EXPECT_FALSE(rec.entries[1].has_content);
-    EXPECT_EQ(rec.entries[2].type, 2);
+    EXPECT_EQ(rec.entries[2].type, vmiEntryKind::catalogue);
     EXPECT_EQ(rec.entries[2].content, one_scan_catalogue(5));
     ASSERT_EQ(rec.catalogues.size(), 1u);
     const seen_catalogue& c = rec.catalogues[0];
@@ -125,7 +130,7 @@ TEST(Read, DataDotDatIsADataEntryNumberedZero)
     recorder rec;
     read_with(a, rec, "datadat.vlm");
     ASSERT_EQ(rec.entries.size(), 2u);
-    EXPECT_EQ(rec.entries[0].type, 1);
+    EXPECT_EQ(rec.entries[0].type, vmiEntryKind::data);
     EXPECT_EQ(rec.entries[0].indx, 0);
     ASSERT_EQ(rec.catalogues.size(), 1u);
     EXPECT_EQ(rec.catalogues[0].data_found, std::vector<int>{1});
@@ -303,4 +308,146 @@ TEST(Read, HostileDataEntriesAreReadWithinTheirBounds)
     EXPECT_EQ(rec.entries[0].content.size(), 1024u);
     EXPECT_FALSE(rec.entries[1].has_content);
     EXPECT_EQ(rec.catalogues[0].data_found, (std::vector<int>{1, 0, 1}));
+}
+
+namespace {
+
+// Reads the bytes of a ZIP file with a recorder.
+int read_bytes_with(const std::string& bytes, recorder& rec, const std::string& tag)
+{
+    const std::string path = vlm::temp_path(tag);
+    EXPECT_TRUE(vlm::write_file(path, bytes));
+    vmiFile f;
+    f.set_observer(&rec);
+    const int result = f.read(path.c_str());
+    std::remove(path.c_str());
+    return result;
+}
+
+// The reasons of every refusal the recorder heard, in order.
+std::vector<vmiSkipReason> reasons(const recorder& rec)
+{
+    std::vector<vmiSkipReason> out;
+    for (const vmiReadSkip& s : rec.skips)
+        out.push_back(s.reason);
+    return out;
+}
+
+using reason_list = std::vector<vmiSkipReason>;
+
+} // namespace
+
+TEST(Read, CatalogueOfAnUnreadableMethodIsRefusedAsUnreadable)
+{
+    vlm::archive a;
+    a.add("VLM00005.dat", vlm::chunk_chain("PCSC", 4));
+    a.add("00000000.vlk", one_scan_catalogue(5), vlm::method::stored);
+    recorder rec;
+    EXPECT_EQ(read_bytes_with(vlm::with_method(a.bytes(), "00000000.vlk", vlm::zip_method_lzma), rec, "lzma"), 0);
+    ASSERT_EQ(reasons(rec), reason_list{vmiSkipReason::entry_unreadable});
+    EXPECT_EQ(rec.skips[0].entry.str(), "00000000.vlk");
+    EXPECT_EQ(rec.skips[0].value, static_cast<long long>(one_scan_catalogue(5).size()));
+}
+
+TEST(Read, ArchiveWithoutACatalogueSaysSo)
+{
+    vlm::archive a;
+    a.add("VLM00005.dat", vlm::chunk_chain("PCSC", 4));
+    recorder rec;
+    EXPECT_EQ(read_with(a, rec, "no_catalogue"), 0);
+    ASSERT_EQ(reasons(rec), reason_list{vmiSkipReason::no_catalogue});
+}
+
+TEST(Read, EmptyCatalogueIsRefusedAsEmpty)
+{
+    vlm::archive a;
+    a.add("00000.vlk", "");
+    recorder rec;
+    EXPECT_EQ(read_with(a, rec, "catalogue_empty"), 0);
+    ASSERT_EQ(reasons(rec), reason_list{vmiSkipReason::catalogue_empty});
+    EXPECT_EQ(rec.skips[0].entry.str(), "00000.vlk");
+}
+
+TEST(Read, CatalogueWithoutSeparatorOrRecordsSaysWhich)
+{
+    vlm::archive a;
+    a.add("A00000.vlk", vlm::catalogue().header("just a header").text());
+    a.add("B00000.vlk", vlm::catalogue().header("a header").separator().text());
+    recorder rec;
+    EXPECT_EQ(read_with(a, rec, "catalogue_no_records"), 0);
+    EXPECT_EQ(reasons(rec), (reason_list{vmiSkipReason::no_separator, vmiSkipReason::no_records}));
+}
+
+TEST(Read, CatalogueOfAnotherNumberIsNotFound)
+{
+    vlm::archive a;
+    a.add("VLM00001.vlk", one_scan_catalogue(5));
+    recorder rec;
+    EXPECT_EQ(read_with(a, rec, "catalogue_number_1"), 0);
+    ASSERT_EQ(reasons(rec), reason_list{vmiSkipReason::catalogue_not_found});
+}
+
+TEST(Read, TruncatedZipIsNotAZip)
+{
+    vlm::archive a;
+    a.add("VLM00005.dat", vlm::chunk_chain("PCSC", 4));
+    a.add("00000.vlk", one_scan_catalogue(5));
+    const std::string whole = a.bytes();
+    recorder rec;
+    EXPECT_EQ(read_bytes_with(whole.substr(0, whole.size() / 2), rec, "truncated"), 0);
+    ASSERT_EQ(reasons(rec), reason_list{vmiSkipReason::not_a_zip});
+    EXPECT_TRUE(rec.entries.empty());
+}
+
+TEST(Read, ChunkChainCutShortIsReportedWithItsEntry)
+{
+    const std::string chain = vlm::chunk_chain(std::string(400, 'x'), 100);
+    vlm::archive a;
+    a.add("VLM00005.dat", chain.substr(0, chain.size() - 7));
+    a.add("00000.vlk", one_scan_catalogue(5));
+    recorder rec;
+    read_with(a, rec, "chain_cut");
+    ASSERT_FALSE(rec.entries.empty());
+    EXPECT_EQ(rec.entries[0].end, vmiChainEnd::cut_short);
+    EXPECT_EQ(rec.entries[0].chunks, 4);
+}
+
+TEST(Read, RecordWhoseDataEntryIsMissingOrOfAnotherKindIsSkipped)
+{
+    vlm::archive a;
+    a.add("VLM00006.dat", vlm::chunk_chain("0001 a contour, not a scan", 40));
+    a.add("00000.vlk", vlm::catalogue()
+                           .separator()
+                           .level1("Client", "Case")
+                           .level2("Left", "Scans")
+                           .level3(1, 1, 0, 101, "d", "missing", "", 5)
+                           .level3(1, 2, 0, 101, "d", "other kind", "", 6)
+                           .text());
+    recorder rec;
+    read_with(a, rec, "record_skips");
+    ASSERT_EQ(rec.skips.size(), 2u);
+    EXPECT_EQ(rec.skips[0].reason, vmiSkipReason::entry_not_found);
+    EXPECT_EQ(rec.skips[0].record, 1);
+    EXPECT_EQ(rec.skips[0].data_indx, 5);
+    EXPECT_EQ(rec.skips[1].reason, vmiSkipReason::wrong_magic);
+    EXPECT_EQ(rec.skips[1].found, "0001");
+    EXPECT_EQ(rec.skips[1].wanted, "PCSC");
+}
+
+TEST(Read, RecordBeforeAnyGroupAndOfAnUnknownKindAreSkipped)
+{
+    vlm::archive a;
+    a.add("00000.vlk", vlm::catalogue()
+                           .separator()
+                           .level3(1, 1, 0, 101, "d", "no group", "", 5)
+                           .level1("Client", "Case")
+                           .level2("Left", "Scans")
+                           .level3(7, 2, 0, 101, "d", "unknown", "", 5)
+                           .text());
+    recorder rec;
+    read_with(a, rec, "record_group_kind");
+    ASSERT_EQ(rec.skips.size(), 2u);
+    EXPECT_EQ(rec.skips[0].reason, vmiSkipReason::no_group);
+    EXPECT_EQ(rec.skips[1].reason, vmiSkipReason::unknown_record);
+    EXPECT_EQ(rec.skips[1].value, 7);
 }

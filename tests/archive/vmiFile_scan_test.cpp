@@ -17,7 +17,7 @@
 
 namespace {
 
-void add_entry(vmiFile& f, int type, int indx, const std::string& bytes)
+void add_entry(vmiFile& f, vmiEntryKind type, int indx, const std::string& bytes)
 {
     char* buf = new char[bytes.size() + 1];
     std::memcpy(buf, bytes.data(), bytes.size());
@@ -28,7 +28,7 @@ void add_entry(vmiFile& f, int type, int indx, const std::string& bytes)
 // The object of a data entry holding bytes, as extract_obj makes it.
 vmiObject* extract(vmiFile& f, const std::string& bytes)
 {
-    add_entry(f, 1, 3, bytes);
+    add_entry(f, vmiEntryKind::data, 3, bytes);
     vmiObject* o = f.extract_obj(3);
     f.archive().free();
     return o;
@@ -42,7 +42,7 @@ void run_catalogue(vmiFile& f, bool with_root)
     c.separator();
     if (with_root)
         c.level1("a", "b");
-    add_entry(f, 2, 0, c.level2("c", "d").text());
+    add_entry(f, vmiEntryKind::catalogue, 0, c.level2("c", "d").text());
     f.proc_vlk();
     f.catalogue().free();
     f.archive().free();

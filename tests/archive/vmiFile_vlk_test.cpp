@@ -17,7 +17,7 @@ std::vector<const vmiVlkElement*> parse(vmiFile& f, const std::string& text, int
 {
     char* buf = new char[text.size() + 1];
     std::memcpy(buf, text.data(), text.size());
-    f.archive().add(new vmiArchiveElement("00000.vlk", buf, static_cast<int>(text.size()), 2, indx));
+    f.archive().add(new vmiArchiveElement("00000.vlk", buf, static_cast<int>(text.size()), vmiEntryKind::catalogue, indx));
     f.proc_vlk();
     std::vector<const vmiVlkElement*> out;
     for (const vmiVlkElement* e = f.catalogue().first(); e; e = e->next())

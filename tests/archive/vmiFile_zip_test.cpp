@@ -265,3 +265,73 @@ TEST(ExtractAllZip, ChunkDeclaringNoBytesBeforeARealOneCopiesNothingFromIt)
     EXPECT_EQ(j.len, 12);
     EXPECT_EQ(j.bytes, b);
 }
+
+namespace {
+
+// Why the chain of entry ended, with the bound on produced bytes given.
+vmiChainEnd chain_end(const std::string& entry, std::int64_t max_total = vmiFile::max_entry_bytes)
+{
+    vmiFile f;
+    std::istringstream in(entry);
+    int len = 0;
+    int chunks = 0;
+    vmiChainEnd end = vmiChainEnd::bad_stream;
+    delete[] f.join_chunks(in, len, chunks, max_total, &end);
+    return end;
+}
+
+} // namespace
+
+TEST(ExtractAllZip, ChainThatRunsToTheEntryEndEndsAtEnd)
+{
+    EXPECT_EQ(chain_end(vlm::chunk_chain(pattern(1000), 300)), vmiChainEnd::end);
+    EXPECT_EQ(chain_end(""), vmiChainEnd::end);
+}
+
+TEST(ExtractAllZip, ChainCutInsideAChunksBytesEndsCutShort)
+{
+    const std::string whole = vlm::chunk_chain(pattern(1000), 300);
+    EXPECT_EQ(chain_end(whole.substr(0, whole.size() - 10)), vmiChainEnd::cut_short);
+}
+
+TEST(ExtractAllZip, ChainCutInsideAHeaderEndsCutShort)
+{
+    const std::string one = vlm::chunk(pattern(100));
+    EXPECT_EQ(chain_end(one + vlm::chunk(pattern(50)).substr(0, 24)), vmiChainEnd::cut_short);
+    // A whole header more would be read as a chunk: one byte less is cut short.
+    EXPECT_EQ(chain_end(one + std::string(1, 'Z')), vmiChainEnd::cut_short);
+}
+
+TEST(ExtractAllZip, ChainAtANegativeSizeEndsNegativeSize)
+{
+    const std::string entry = vlm::chunk(pattern(100)) + vlm::chunk_header(0xFFFFFFFFu, 10) + "xxxxxxxxxx";
+    EXPECT_EQ(chain_end(entry), vmiChainEnd::negative_size);
+}
+
+TEST(ExtractAllZip, ChainOverTheChunkLimitEndsLimitAndExactlyAtItEnds)
+{
+    std::string exactly;
+    for (int k = 0; k < vmiFile::max_chunks; ++k)
+        exactly += vlm::chunk("a");
+    EXPECT_EQ(chain_end(exactly), vmiChainEnd::end);
+    EXPECT_EQ(chain_end(exactly + vlm::chunk("a")), vmiChainEnd::limit);
+}
+
+TEST(ExtractAllZip, ChainOverTheByteBudgetEndsBudgetAndExactlyAtItEnds)
+{
+    const std::string entry = vlm::chunk_chain(pattern(300), 100);
+    EXPECT_EQ(chain_end(entry, 300), vmiChainEnd::end);
+    EXPECT_EQ(chain_end(entry, 299), vmiChainEnd::budget);
+    EXPECT_EQ(chain_end(entry, 200), vmiChainEnd::budget);
+}
+
+TEST(ExtractAllZip, ChainWithADamagedStreamEndsBadStreamAndKeepsTheRest)
+{
+    std::string bad = vlm::zlib_compress(pattern(100));
+    bad[bad.size() - 1] = static_cast<char>(bad[bad.size() - 1] ^ 0x55);   // the checksum no longer fits
+    const std::string entry = vlm::chunk_header(static_cast<std::uint32_t>(bad.size()), 100) + bad +
+                              vlm::chunk(pattern(50));
+    EXPECT_EQ(chain_end(entry), vmiChainEnd::bad_stream);
+    joined j = extract(entry);
+    EXPECT_EQ(j.chunks, 2);
+}

@@ -38,11 +38,11 @@ private:
     utBoolcoResourceKey key_;
 };
 
-void add_entry(vmiFile& f, int type, int indx, const std::string& bytes)
+void add_entry(vmiFile& f, vmiEntryKind type, int indx, const std::string& bytes)
 {
     char* buf = new char[bytes.size() + 1];
     std::memcpy(buf, bytes.data(), bytes.size());
-    f.archive().add(new vmiArchiveElement(utString(type == 1 ? "VLM00000.dat" : "00000.vlk"), buf,
+    f.archive().add(new vmiArchiveElement(utString(type == vmiEntryKind::data ? "VLM00000.dat" : "00000.vlk"), buf,
                                           static_cast<int>(bytes.size()), type, indx));
 }
 
@@ -51,8 +51,8 @@ void add_entry(vmiFile& f, int type, int indx, const std::string& bytes)
 void process(vmiFile& f, const std::vector<std::pair<int, std::string>>& data, const vlm::catalogue& c)
 {
     for (const auto& d : data)
-        add_entry(f, 1, d.first, d.second);
-    add_entry(f, 2, 0, c.text());
+        add_entry(f, vmiEntryKind::data, d.first, d.second);
+    add_entry(f, vmiEntryKind::catalogue, 0, c.text());
     f.proc_vlk();
     f.catalogue().free();
     f.archive().free();
@@ -393,7 +393,7 @@ TEST(FillNode, CatalogueOf100000RecordsIsWalkedOnASmallStack)
     // walks loop over the level-2 list and fit in 256 KiB of stack.
     constexpr int records = 100000;
     vmiFile f;
-    add_entry(f, 1, 5, scan());
+    add_entry(f, vmiEntryKind::data, 5, scan());
     f.catalogue().add(new vmiVlkElement(1));
     for (int k = 0; k < records - 2; ++k) {
         vmiVlkElement* e = new vmiVlkElement(2);

@@ -13,7 +13,7 @@ namespace {
 // Reads the archive at path with a listing attached.
 ArchiveListing list(const std::string& path)
 {
-    ArchiveListing listing;
+    ArchiveListing listing(path);
     vmiFile reader;
     reader.set_observer(&listing);
     reader.read(utString(path));
@@ -45,7 +45,7 @@ TEST(ArchiveListing, DataEntryShowsDecodedSizeChunksMagicAndDigest)
     ASSERT_EQ(l.entries().size(), 1u);
     const ListedEntry& e = l.entries()[0];
     EXPECT_EQ(e.name, "VLM00012.dat");
-    EXPECT_EQ(e.type, 1);
+    EXPECT_EQ(e.type, vmiEntryKind::data);
     EXPECT_EQ(e.number, 12);
     EXPECT_EQ(e.stored_size, static_cast<std::int64_t>(vlm::chunk_chain(content, 300).size()));
     ASSERT_TRUE(e.size);
@@ -73,7 +73,7 @@ TEST(ArchiveListing, OtherEntryHasNoSize)
     a.add("notes.txt", "hello");
     const ArchiveListing l = list(a, "listing_other");
     ASSERT_EQ(l.entries().size(), 1u);
-    EXPECT_EQ(l.entries()[0].type, 0);
+    EXPECT_EQ(l.entries()[0].type, vmiEntryKind::other);
     EXPECT_FALSE(l.entries()[0].size);
     EXPECT_EQ(l.entries()[0].stored_size, 5);
 }

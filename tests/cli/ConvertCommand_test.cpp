@@ -146,8 +146,8 @@ TEST_F(ConvertCommandTest, ImportThatProducesNothing_ExitsOneNamingTheFile)
 {
     const std::string empty = file("empty.vlm", "EMPTY");
     const RunResult r = velmora({"convert", empty, "-o", path("out.glb")});
-    EXPECT_EQ(r.status, ConvertCommand::exit_nothing_imported);
-    EXPECT_EQ(r.err, "velmora convert: " + empty + ": the import produced nothing\n");
+    EXPECT_EQ(r.status, exit_nothing_imported);
+    EXPECT_EQ(r.err, "velmora convert: " + empty + ": nothing imported: not a ZIP archive the unzip service can open\n");
     EXPECT_FALSE(fs::exists(path("out.glb")));
 }
 
@@ -229,6 +229,6 @@ TEST_F(ConvertCommandTest, RealPlugin_FileThatIsNotAnArchiveImportsNothing)
     setenv("VELMORA_PLUGIN", plugin.c_str(), 1);
     const std::string text = file("notes.vlm", "not a ZIP archive\n");
     const RunResult r = velmora({"convert", text, "-o", path("out.glb")});
-    EXPECT_EQ(r.status, ConvertCommand::exit_nothing_imported);
-    EXPECT_EQ(r.err, "velmora convert: " + text + ": the import produced nothing\n");
+    EXPECT_EQ(r.status, exit_nothing_imported);
+    EXPECT_EQ(r.err, "velmora convert: " + text + ": nothing imported: not a ZIP archive the unzip service can open\n");
 }

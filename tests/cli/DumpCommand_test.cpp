@@ -235,13 +235,27 @@ TEST(DumpCommandExit, NothingImported_DumpPrintedWithResultZeroAndExitOne)
     const CommandRun r = velmora({path});
     std::remove(path.c_str());
     EXPECT_EQ(r.status, 1);
-    EXPECT_EQ(lines(r.err), 1);
-    EXPECT_NE(r.err.find(path), std::string::npos);
+    EXPECT_EQ(r.err, "velmora dump: " + path + ": nothing imported: the archive holds no catalogue entry (.vlk)\n");
     const json d = json::parse(r.out);
     EXPECT_EQ(d["result"], 0);
     EXPECT_EQ(d["translators"], 0);
     EXPECT_TRUE(d["root"].is_null());
     EXPECT_EQ(d["library"]["library_name"], "velmora2rnx");
+}
+
+TEST(DumpCommandExit, CatalogueOfAnUnreadableMethod_NamesTheMethodOnTheLastLine)
+{
+    vlm::archive a;
+    a.add("VLM00005.dat", scan_model(2, 2));
+    a.add("00000000.vlk", vlm::catalogue().separator().level1("A", "B").text(), vlm::method::stored);
+    const std::string path = vlm::temp_path("a.vlm");
+    ASSERT_TRUE(vlm::write_file(path, vlm::with_method(a.bytes(), "00000000.vlk", vlm::zip_method_lzma)));
+    const CommandRun r = velmora({path});
+    std::remove(path.c_str());
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, "velmora dump: " + path +
+                         ": nothing imported: catalogue 00000000.vlk uses ZIP compression method LZMA (14), which "
+                         "this build cannot read\n");
 }
 
 TEST(DumpCommandExit, UnknownOptionOrValue_WrongUsage)

@@ -99,6 +99,22 @@ def parse_catalogue(buf: bytes):
     return True, records
 
 
+def chain_end(stored: bytes) -> str:
+    """Why the reader's walk of a chunk chain ends, for chains whose sizes are
+    sound (no negative size, far from the reader's bounds)."""
+    at = 0
+    while len(stored) - at >= 25:
+        header = stored[at:at + 25]
+        at += 25
+        if header[:3] != b"ZIP":
+            continue
+        c = int(header[9:17], 16)
+        if len(stored) - at < c:
+            return "cut_short"
+        at += c
+    return "cut_short" if at < len(stored) else "end"
+
+
 def magic(content):
     if content is None or len(content) < 4:
         return None
@@ -112,10 +128,12 @@ def expected_listing(entries):
     for name, stored, content, chunks in entries:
         t, number = entry_kind_number(name)
         e = {"name": text_of(name), "kind": ["other", "data", "catalogue"][t], "number": number,
-             "stored_size": len(stored), "size": None, "chunks": 0, "magic": None, "sha256": None}
+             "stored_size": len(stored), "size": None, "chunks": 0, "chain": None, "magic": None,
+             "sha256": None}
         if t == 1:
             e["size"] = len(content) if content else 0
             e["chunks"] = chunks
+            e["chain"] = chain_end(stored)
             if content:
                 visible.append((number, content))
         elif t == 2:
@@ -128,7 +146,9 @@ def expected_listing(entries):
         if t == 2:
             catalogues.append(expected_catalogue(name, number, content, visible))
             visible = []
-    return {"format": "velmora-inspect", "version": 1, "entries": out_entries, "catalogues": catalogues}
+    # The reasons are the reader's to give; the model only places the key.
+    return {"format": "velmora-inspect", "version": 1, "entries": out_entries, "catalogues": catalogues,
+            "reasons": None}
 
 
 def expected_catalogue(name, number, content, visible):

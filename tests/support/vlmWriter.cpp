@@ -269,6 +269,35 @@ bool archive::write_zip64(const std::string& path) const
 
 // ---- files ----
 
+std::string archive::bytes() const
+{
+    const std::string path = temp_path("archive_bytes");
+    std::string out = write(path) ? read_file(path) : std::string();
+    std::remove(path.c_str());
+    return out;
+}
+
+std::string with_method(std::string zip, const std::string& name, std::uint16_t method)
+{
+    const auto le16_at = [&](std::size_t at) {
+        return static_cast<std::size_t>(static_cast<unsigned char>(zip[at])) |
+               static_cast<std::size_t>(static_cast<unsigned char>(zip[at + 1])) << 8;
+    };
+    // Local header: method at 8, name length at 26, name at 30; central
+    // header: method at 10, name length at 28, name at 46.
+    const struct { const char* signature; std::size_t method, name_len, name; } headers[] = {
+        {"PK\x03\x04", 8, 26, 30}, {"PK\x01\x02", 10, 28, 46}};
+    for (const auto& h : headers) {
+        for (std::size_t at = zip.find(h.signature); at != std::string::npos; at = zip.find(h.signature, at + 4)) {
+            if (at + h.name > zip.size() || zip.compare(at + h.name, le16_at(at + h.name_len), name) != 0)
+                continue;
+            zip[at + h.method] = static_cast<char>(method & 0xFF);
+            zip[at + h.method + 1] = static_cast<char>(method >> 8);
+        }
+    }
+    return zip;
+}
+
 bool write_file(const std::string& path, const std::string& bytes)
 {
     std::ofstream f(path, std::ios::binary | std::ios::trunc);

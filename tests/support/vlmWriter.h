@@ -91,6 +91,8 @@ public:
     archive& add(const std::string& name, const std::string& content, method m = method::deflated);
     // Writes the entries in the order added through libzip; true on success.
     bool write(const std::string& path) const;
+    // The bytes write gives (through a temporary file); empty on failure.
+    std::string bytes() const;
     // Writes the entries by hand, stored, each with its sizes in a data
     // descriptor behind the data (flag bit 3; the local header's sizes are 0).
     bool write_with_data_descriptors(const std::string& path) const;
@@ -102,6 +104,14 @@ public:
 private:
     std::vector<std::pair<std::string, std::pair<std::string, method>>> entries_;
 };
+
+// The ZIP bytes zip with the compression method of every entry named name
+// set to method in its local and central header, as a writer of that method
+// would have stored it (the data stays as it was: a reader that cannot decode
+// the method must not try).
+std::string with_method(std::string zip, const std::string& name, std::uint16_t method);
+// A method this build's libzip cannot decode.
+constexpr std::uint16_t zip_method_lzma = 14;
 
 // Whole-file helpers.
 bool write_file(const std::string& path, const std::string& bytes);
