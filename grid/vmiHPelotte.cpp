@@ -8,6 +8,7 @@
 #include "curves/m03SplineCurve.h"
 #include "curves/m0BspCurve.h"
 #include "grid/vmiBaseGrid.h"
+#include "grid/vmiInsideNodes.h"
 #include "grid/vmiProfileSearch.h"
 
 #include <algorithm>
@@ -266,27 +267,20 @@ void vmiHPelotte::build_HPelotte(const int& mode, const double& height, const in
     init_curves();
     if (!grid_map_)
         return;
-    for (int j = grid_map_->y_min(); j <= grid_map_->y_max(); j++) {
-        const int* c = grid_map_->get_y_intersections(j);
-        if (c == nullptr || c[0] <= 1)
-            continue;
-        // Inside intervals are k = 1, 3, ...; the closing crossing node stays.
-        for (int k = 1; k < c[0]; k += 2)
-            for (int i = c[k]; i < c[k + 1]; i++) {
-                const double v = this->height(mode, i, j);
-                const double z = grid_->point(i, j).z();
-                double nz;
-                if (mode == 0)
-                    nz = z + v;  // the only mode the radial profile shapes
-                else if (mode == 2)
-                    nz = std::max(z, v);
-                else if (mode == 3)
-                    nz = std::min(z, v);
-                else
-                    nz = v;
-                grid_->set_z(i, j, nz);
-            }
-    }
+    for_each_inside_node(*grid_map_, [&](int i, int j) {
+        const double v = this->height(mode, i, j);
+        const double z = grid_->point(i, j).z();
+        double nz;
+        if (mode == 0)
+            nz = z + v;  // the only mode the radial profile shapes
+        else if (mode == 2)
+            nz = std::max(z, v);
+        else if (mode == 3)
+            nz = std::min(z, v);
+        else
+            nz = v;
+        grid_->set_z(i, j, nz);
+    });
     const int r = smoothing_radius(mode, smooth);
     if (r > 0)
         grid_->do_smoothing(r, *grid_map_);
