@@ -123,13 +123,6 @@ double vmiHPunkt::height(const int& i, const int& j)
 
 void vmiHPunkt::build_HPunkt(const int& mode)
 {
-    if (!grid_map_ || grid_ == nullptr || grid_->x_size() < 1 || grid_->y_size() < 1)
-        return;
-    for_each_inside_node(*grid_map_, [&](int i, int j) {
-        const double v = height(i, j);
-        // The node keeps its x and y and is written back whatever the mode.
-        m03DPoint node = grid_->point(i, j);
-        node.set_z(combine_height(mode, node.z(), v));
-        grid_->point(i, j, node);
-    });
+    combine_inside_nodes(grid_, grid_map_.get(), mode,
+                         [this](int i, int j) { return height(i, j); });
 }

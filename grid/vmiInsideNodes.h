@@ -4,6 +4,7 @@
 // and each inside interval runs from its opening crossing node up to, but not
 // including, its closing one.
 #include "contour/vmiPolylineGridMap.h"
+#include "grid/vmiBaseGrid.h"
 
 // Calls visit(i, j) for every inside node, row by row from the map's y_min to
 // its y_max, each row from left to right.
@@ -29,4 +30,20 @@ inline double combine_height(const int& mode, const double& z, const double& v)
     if (mode == 0)
         return z + v;
     return v;
+}
+
+// The line and the point: every inside node takes height(i, j) combined with
+// its own by mode, and keeps its x and y. A grid without nodes is left alone.
+template <class Height>
+void combine_inside_nodes(vmiBaseGrid* grid, vmiPolylineGridMap* map, const int& mode,
+                          Height height)
+{
+    if (!map || grid == nullptr || grid->x_size() < 1 || grid->y_size() < 1)
+        return;
+    for_each_inside_node(*map, [&](int i, int j) {
+        const double v = height(i, j);
+        m03DPoint node = grid->point(i, j);
+        node.set_z(combine_height(mode, node.z(), v));
+        grid->point(i, j, node);
+    });
 }
