@@ -569,33 +569,6 @@ TEST(vmiVelmcontur, HPunkt_WithAProfileArrayMissingChangesNothing)
     EXPECT_EQ(heights(*doc->working_grid()), untouched_heights());
 }
 
-TEST(vmiVelmcontur, HPlinie_ReadsFiveProfileValuesPerStation)
-{
-    // Three stations along x = 50; every profile is 3 high out to 4 units.
-    // With nanz = 3, "xm=" and "ym=" hold 15 values each: a 16th would be
-    // passed over.
-    std::vector<double> px, pz;
-    for (int k = 0; k < 3; ++k)
-        for (double v : {0.0, 1.0, 2.0, 3.0, 4.0}) {
-            px.push_back(v);
-            pz.push_back(v < 3.5 ? 3.0 : 0.0);
-        }
-    auto doc = on_flat_base(contour_text()
-                                .open_height("HPlinie")
-                                .key("flag", 0)
-                                .key("nanz", 3)
-                                .array("x", {50, 50, 50})
-                                .array("y", {40, 50, 60})
-                                .array("xm", px)
-                                .array("ym", pz)
-                                .close_height()
-                                .end());
-    // On the centre line both neighbouring profiles give their start height.
-    EXPECT_NEAR(z_at(*doc, 50, 50), base_z + 3.0, 1e-12);
-    EXPECT_NEAR(z_at(*doc, 50, 45), base_z + 3.0, 1e-12);
-    EXPECT_EQ(z_at(*doc, 40, 50), base_z);
-}
-
 TEST(vmiVelmcontur, HPlinie_WithOneStationChangesNothing)
 {
     auto doc = on_flat_base(contour_text()
@@ -929,6 +902,16 @@ std::unique_ptr<vmiVelmcontur> line_of(int n)
 }
 
 }  // namespace
+
+TEST(vmiVelmcontur, HPlinie_ReadsFiveProfileValuesPerStation)
+{
+    // Three stations: "xm=" and "ym=" hold 15 values each.
+    auto doc = line_of(3);
+    // On the centre line both neighbouring profiles give their start height.
+    EXPECT_NEAR(z_at(*doc, 50, 50), base_z + 3.0, 1e-12);
+    EXPECT_NEAR(z_at(*doc, 50, 45), base_z + 3.0, 1e-12);
+    EXPECT_EQ(z_at(*doc, 40, 50), base_z);
+}
 
 TEST(vmiVelmcontur, HPlinie_LineAtMaxLineStationsIsAppliedAndOnePastIsNot)
 {
