@@ -95,8 +95,8 @@ TEST(vmiVelmconturEndToEnd, RealisticDesignOverABaseGrid_ProducesOutlinesAndTheC
     vmiBaseGrid* g = model->grid();
     const double across = (85 - 30 - 55.0) / 55.0;
     EXPECT_EQ(g->point(85, 170).z(), 4.0 + 6.0 * across * across + 0.02 * (280 - 140));
-    EXPECT_EQ(g->point(160, 170).z(), -10000.0);
-    EXPECT_EQ(g->point(85, 335).z(), -10000.0);
+    EXPECT_EQ(g->point(160, 170).z(), vmiBaseGrid::empty_z);
+    EXPECT_EQ(g->point(85, 335).z(), vmiBaseGrid::empty_z);
 }
 
 TEST(vmiVelmconturEndToEnd, FinishedModelHoldsWallAndFloorPointsInItsMarginColumns)
@@ -115,7 +115,7 @@ TEST(vmiVelmconturEndToEnd, FinishedModelHoldsWallAndFloorPointsInItsMarginColum
         // margin.
         int l = -1, r = -1;
         for (int i = 10; i < g->x_size(); ++i)
-            if (g->point(i, j).z() > -1000.0) {
+            if (g->point(i, j).z() > vmiBaseGrid::valid_z) {
                 if (l < 0)
                     l = i;
                 r = i;

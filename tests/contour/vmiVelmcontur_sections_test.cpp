@@ -196,10 +196,10 @@ TEST(vmiVelmconturHContour2, TrimsTheWorkingGridToTheOutline)
     EXPECT_EQ(g->y_size(), 260);
     EXPECT_EQ(g->point(80, 100).z(), 5.0);
     // Outside the outline the base grid's heights are gone.
-    EXPECT_EQ(g->point(120, 100).z(), -10000.0);
-    EXPECT_EQ(g->point(30, 100).z(), -10000.0);
-    EXPECT_EQ(g->point(80, 220).z(), -10000.0);
-    EXPECT_EQ(g->point(80, 40).z(), -10000.0);
+    EXPECT_EQ(g->point(120, 100).z(), vmiBaseGrid::empty_z);
+    EXPECT_EQ(g->point(30, 100).z(), vmiBaseGrid::empty_z);
+    EXPECT_EQ(g->point(80, 220).z(), vmiBaseGrid::empty_z);
+    EXPECT_EQ(g->point(80, 40).z(), vmiBaseGrid::empty_z);
 }
 
 TEST(vmiVelmconturHContour2, FinishModelTakesTheWorkingGridAndReleasesTheBaseGrid)
@@ -261,7 +261,7 @@ TEST(vmiVelmconturHContour2, CoincidentPointsGiveAContourOfOnePlaceAndAnEmptyMod
     ASSERT_NE(model, nullptr);
     int valid = 0;
     for (int k = 0; k < model->x_size() * model->y_size(); ++k)
-        valid += model->points_array()[k].z() > -10000.0;
+        valid += model->points_array()[k].z() > vmiBaseGrid::empty_z;
     EXPECT_EQ(valid, 0);
 }
 

@@ -101,7 +101,7 @@ TEST(vmiVelmcontur, WithoutBaseGrid_WorkingGridIs440By760AtHalfSpacing)
     EXPECT_EQ(doc->ynum(), 760);
     EXPECT_EQ(doc->randx(), 30.0);
     EXPECT_EQ(doc->randy(), 30.0);
-    EXPECT_EQ(doc->working_grid()->point(439, 759).z(), -10000.0);
+    EXPECT_EQ(doc->working_grid()->point(439, 759).z(), vmiBaseGrid::empty_z);
 }
 
 TEST(vmiVelmcontur, HPelotteSRunsItsOwnReaderNotHPelotte)
@@ -315,9 +315,9 @@ TEST(vmiVelmcontur, BaseGrid_SetsExtentSpacingAndSitsInsideTheMargin)
     EXPECT_EQ(g->d_x(), 1.0);
     EXPECT_EQ(g->point(30, 30).z(), 5.0);
     EXPECT_EQ(g->point(40, 50).z(), 5.0);
-    EXPECT_EQ(g->point(29, 30).z(), -10000.0);
-    EXPECT_EQ(g->point(41, 30).z(), -10000.0);
-    EXPECT_EQ(g->point(30, 51).z(), -10000.0);
+    EXPECT_EQ(g->point(29, 30).z(), vmiBaseGrid::empty_z);
+    EXPECT_EQ(g->point(41, 30).z(), vmiBaseGrid::empty_z);
+    EXPECT_EQ(g->point(30, 51).z(), vmiBaseGrid::empty_z);
 }
 
 TEST(vmiVelmcontur, Kerneldata_MergesTheBaseGridAtTheNewMargin)
@@ -329,8 +329,8 @@ TEST(vmiVelmcontur, Kerneldata_MergesTheBaseGridAtTheNewMargin)
     EXPECT_EQ(g->x_size(), 40);
     EXPECT_EQ(g->point(12, 15).z(), 5.0);
     EXPECT_EQ(g->point(22, 35).z(), 5.0);
-    EXPECT_EQ(g->point(11, 15).z(), -10000.0);
-    EXPECT_EQ(g->point(23, 35).z(), -10000.0);
+    EXPECT_EQ(g->point(11, 15).z(), vmiBaseGrid::empty_z);
+    EXPECT_EQ(g->point(23, 35).z(), vmiBaseGrid::empty_z);
 }
 
 TEST(vmiVelmcontur, Kerneldata_GridBeyondMaxNodesKeepsThePreviousWorkingGrid)
