@@ -21,22 +21,10 @@
 #include "grid/vmiBaseGrid.h"
 #include "host/qorResourceTable.h"
 #include "tests/support/contourText.h"
+#include "tests/support/optionScope.h"
 #include "tests/support/vlmWriter.h"
 
 namespace {
-
-// Sets an option for the test's duration, then back on.
-class option_set {
-public:
-    option_set(const char* key, int value) : key_(utString(key))
-    {
-        qor_resource_table_inquire()->set_bool(key_, value);
-    }
-    ~option_set() { qor_resource_table_inquire()->set_bool(key_, 1); }
-
-private:
-    utBoolcoResourceKey key_;
-};
 
 void add_entry(vmiFile& f, int type, int indx, const std::string& bytes)
 {
@@ -81,19 +69,10 @@ std::string image()
     return vlm::pcim_entry(im);
 }
 
-// A small design: grid geometry, the blank's outline and, when finished, the
-// insole outline (the finished model lets the base grid go).
+// A small design; when finished, the model lets the base grid go.
 std::string design(bool finished = true)
 {
-    std::vector<double> x, y, xi, yi;
-    vlm::foot_outline(31, 10, 10, 40, 90, x, y);
-    vlm::foot_outline(31, 12, 12, 36, 86, xi, yi);
-    vlm::contour_text t("0001 design");
-    t.kerneldata(60, 110, 1.0, 1.0, 10.0, 10.0);
-    t.rohlingsdaten("sole", x, y, {}, {}, {}, 3.0, 8.0);
-    if (finished)
-        t.hcontour2("insole", xi, yi);
-    return t.end().text();
+    return vlm::small_design(finished);
 }
 
 vmiObject* only_object(vmiNode* n)

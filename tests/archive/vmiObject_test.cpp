@@ -11,17 +11,9 @@
 #include "curves/m03DVector.h"
 #include "grid/vmiBaseGrid.h"
 #include "host/rnxNurbCurve3.h"
+#include "tests/support/testGeometry.h"
 
 namespace {
-
-m03DVector* make_points(std::initializer_list<m03DPoint> pts)
-{
-    m03DVector* v = new m03DVector(static_cast<int>(pts.size()));
-    int i = 0;
-    for (const m03DPoint& p : pts)
-        v->set_point(i++, p);
-    return v;
-}
 
 }  // namespace
 
@@ -51,7 +43,7 @@ TEST(vmiObjSpline, FromEmptyVector_HasNoSplineNoApproximationInvalidBoxAndNurbLe
 
 TEST(vmiObjSpline, FromPoints_KeepsApproximationThroughEndsAndBoxOfIt)
 {
-    vmiObjSpline s(utString("arc"), make_points({{0, 0, 0}, {10, 5, 0}, {20, 0, 0}}));
+    vmiObjSpline s(utString("arc"), polyline({{0, 0, 0}, {10, 5, 0}, {20, 0, 0}}).release());
     ASSERT_NE(s.spline(), nullptr);
     ASSERT_NE(s.approximation(), nullptr);
     m03DVector* a = s.approximation();
@@ -108,7 +100,7 @@ TEST(vmiObject, SettersOnObjectOfUnknownTypeDoNothing)
 
 TEST(vmiObject, SettersForwardToRecordAttributes)
 {
-    vmiObjPoly* p = new vmiObjPoly(utString("a"), make_points({{0, 0, 0}}));
+    vmiObjPoly* p = new vmiObjPoly(utString("a"), polyline({{0, 0, 0}}).release());
     vmiObject o(p);
     o.name(utString("b"));
     o.layer_name(utString("L"));
@@ -124,7 +116,7 @@ TEST(vmiObject, SettersForwardToRecordAttributes)
 TEST(vmiObject, GridOnPolylineObjectAndEachOtherMismatchReturnNull)
 {
     vmiObject grid(new vmiObjGrid(utString("g"), new vmiBaseGrid(2, 2, 1.0, 1.0)));
-    vmiObject poly(new vmiObjPoly(utString("p"), make_points({{0, 0, 0}})));
+    vmiObject poly(new vmiObjPoly(utString("p"), polyline({{0, 0, 0}}).release()));
     vmiObject cloud(new vmiObjCloud(utString("c"), new m03DPoint[1], new int[1]{5}, 1));
     vmiObject spline(new vmiObjSpline(utString("s"), nullptr));
     EXPECT_EQ(grid.type(), 1);
@@ -180,7 +172,7 @@ TEST(vmiObjGrid, WithoutGridAnswersZeroAndInvalidBox)
 
 TEST(vmiObjPoly, BoxIsBoundingBoxOfPoints)
 {
-    vmiObject o(new vmiObjPoly(utString("p"), make_points({{1, -2, 3}, {-4, 5, 0}})));
+    vmiObject o(new vmiObjPoly(utString("p"), polyline({{1, -2, 3}, {-4, 5, 0}}).release()));
     giBox3 box = o.box();
     EXPECT_EQ(box.min(), giPoint3(-4, -2, 0));
     EXPECT_EQ(box.max(), giPoint3(1, 5, 3));

@@ -2,6 +2,7 @@
 
 #include "curves/m03DVector.h"
 #include "grid/vmiBaseGrid.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
@@ -40,15 +41,6 @@ struct vmiPolylineGridMapProbe {
 namespace {
 
 using Probe = vmiPolylineGridMapProbe;
-
-std::unique_ptr<m03DVector> polyline(std::initializer_list<m03DPoint> pts)
-{
-    auto v = std::make_unique<m03DVector>(static_cast<int>(pts.size()));
-    int i = 0;
-    for (const m03DPoint& p : pts)
-        v->set_point(i++, p);
-    return v;
-}
 
 std::vector<int> list_of(const int* list)
 {

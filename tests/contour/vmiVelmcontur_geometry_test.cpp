@@ -10,17 +10,9 @@
 #include "curves/m03DVector.h"
 #include "curves/m0BspCurve.h"
 #include "grid/vmiBaseGrid.h"
+#include "tests/support/testGeometry.h"
 
 namespace {
-
-std::unique_ptr<m03DVector> polyline(std::initializer_list<m03DPoint> pts)
-{
-    auto v = std::make_unique<m03DVector>(static_cast<int>(pts.size()));
-    int i = 0;
-    for (const m03DPoint& p : pts)
-        v->set_point(i++, p);
-    return v;
-}
 
 // Placement parameters: angle (degrees), translation, factors.
 void params(double* p, double angle, double tx, double ty, double tz, double fx, double fy,

@@ -1,20 +1,10 @@
 #include "curves/m03DPoint.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
-
-namespace {
-
-void expect_point(const m03DPoint& p, double x, double y, double z)
-{
-    EXPECT_EQ(p.x(), x);
-    EXPECT_EQ(p.y(), y);
-    EXPECT_EQ(p.z(), z);
-}
-
-}  // namespace
 
 TEST(M03DPoint, DefaultConstructor_IsOrigin)
 {

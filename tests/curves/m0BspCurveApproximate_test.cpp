@@ -1,6 +1,7 @@
 // m0BspCurve::approximate and simplify_param_vector: the polyline walked span
 // by span with an adaptive step.
 #include "curves/m0BspCurve.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
@@ -38,11 +39,6 @@ m0BspCurve* make_curve(int degree, const std::vector<double>& knots, const std::
     c->set_knot_vector(values_of(knots));
     c->set_cpnt_vector(points_of(cps));
     return c;
-}
-
-bool same_bits(const m03DPoint& a, const m03DPoint& b)
-{
-    return std::memcmp(&a, &b, sizeof(m03DPoint)) == 0;
 }
 
 bool contains_bits(const m03DVector& v, const m03DPoint& p)

@@ -2,6 +2,7 @@
 // plain Cox-de Boor recursion, on random curves, parameters and derivative
 // orders, hostile knot vectors included.
 #include "curves/m0BspCurve.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
@@ -39,16 +40,6 @@ public:
 namespace {
 
 using Access = m0BspCurveTestAccess;
-
-bool same_bits(double a, double b)
-{
-    return std::memcmp(&a, &b, sizeof(double)) == 0;
-}
-
-bool same_bits(const m03DPoint& a, const m03DPoint& b)
-{
-    return std::memcmp(&a, &b, sizeof(m03DPoint)) == 0;
-}
 
 struct RandomCurve {
     int degree = 0;

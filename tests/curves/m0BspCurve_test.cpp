@@ -1,5 +1,6 @@
 // m0BspCurve: construction, evaluation, tangents, normal, projection, reversal.
 #include "curves/m0BspCurve.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
@@ -37,11 +38,6 @@ m0BspCurve* make_curve(int degree, const std::vector<double>& knots, const std::
     if (!weights.empty())
         c->set_weight_vector(values_of(weights));
     return c;
-}
-
-bool same_bits(const m03DPoint& a, const m03DPoint& b)
-{
-    return std::memcmp(&a, &b, sizeof(m03DPoint)) == 0;
 }
 
 void expect_near(const m03DPoint& a, const m03DPoint& b, double tol)

@@ -14,7 +14,6 @@
 #include "tests/support/contourText.h"
 #include "tests/support/vlmWriter.h"
 
-using plugin_host::option_set;
 using plugin_host::run_import;
 
 namespace {
@@ -41,14 +40,7 @@ std::string scan_image()
 
 std::string design()
 {
-    std::vector<double> x, y, xi, yi;
-    vlm::foot_outline(31, 10, 10, 40, 90, x, y);
-    vlm::foot_outline(31, 12, 12, 36, 86, xi, yi);
-    vlm::contour_text t("0001 design");
-    t.kerneldata(60, 110, 1.0, 1.0, 10.0, 10.0);
-    t.rohlingsdaten("sole", x, y, {}, {}, {}, 3.0, 8.0);
-    t.hcontour2("insole", xi, yi);
-    return vlm::chunk_chain(t.end().text(), 1000);
+    return vlm::chunk_chain(vlm::small_design(), 1000);
 }
 
 // An archive of every kind of record: a left scan with its image and a right

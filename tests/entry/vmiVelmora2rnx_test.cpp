@@ -15,7 +15,6 @@
 
 using plugin_host::instance;
 using plugin_host::library;
-using plugin_host::option_set;
 using plugin_host::run_import;
 
 namespace {

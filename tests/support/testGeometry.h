@@ -1,0 +1,40 @@
+#pragma once
+// The checks and builders that the suites over points, polylines and curves
+// share: one definition each, so that a check means the same in every suite.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <initializer_list>
+#include <memory>
+
+#include "curves/m03DPoint.h"
+#include "curves/m03DVector.h"
+
+// p is exactly (x, y, z).
+inline void expect_point(const m03DPoint& p, double x, double y, double z)
+{
+    EXPECT_EQ(p.x(), x);
+    EXPECT_EQ(p.y(), y);
+    EXPECT_EQ(p.z(), z);
+}
+
+// Bit for bit the same: tells -0.0 from 0.0, and a NaN equals itself.
+inline bool same_bits(double a, double b)
+{
+    return std::memcmp(&a, &b, sizeof(double)) == 0;
+}
+
+inline bool same_bits(const m03DPoint& a, const m03DPoint& b)
+{
+    return same_bits(a.x(), b.x()) && same_bits(a.y(), b.y()) && same_bits(a.z(), b.z());
+}
+
+// A polyline through the points in order.
+inline std::unique_ptr<m03DVector> polyline(std::initializer_list<m03DPoint> pts)
+{
+    auto v = std::make_unique<m03DVector>(static_cast<int>(pts.size()));
+    int i = 0;
+    for (const m03DPoint& p : pts)
+        v->set_point(i++, p);
+    return v;
+}
