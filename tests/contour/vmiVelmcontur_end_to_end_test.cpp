@@ -55,7 +55,7 @@ std::string design_text()
 
 }  // namespace
 
-TEST(vmiVelmconturEndToEnd, RealisticDesignOverABaseGrid_ProducesOutlinesAndTheClosedModel)
+TEST(vmiVelmcontur, EndToEnd_RealisticDesignOverABaseGrid_ProducesOutlinesAndTheClosedModel)
 {
     std::string text = design_text();
     std::vector<char> bytes(text.begin(), text.end());
@@ -99,7 +99,7 @@ TEST(vmiVelmconturEndToEnd, RealisticDesignOverABaseGrid_ProducesOutlinesAndTheC
     EXPECT_EQ(g->point(85, 335).z(), vmiBaseGrid::empty_z);
 }
 
-TEST(vmiVelmconturEndToEnd, FinishedModelHoldsWallAndFloorPointsInItsMarginColumns)
+TEST(vmiVelmcontur, EndToEnd_FinishedModelHoldsWallAndFloorPointsInItsMarginColumns)
 {
     std::string text = design_text();
     std::vector<char> bytes(text.begin(), text.end());
@@ -147,7 +147,7 @@ TEST(vmiVelmconturEndToEnd, FinishedModelHoldsWallAndFloorPointsInItsMarginColum
     EXPECT_TRUE(g->point(1, last + 1) == g->point(8, last));
 }
 
-TEST(vmiVelmconturEndToEnd, ContourTextWriterGivesTheLinesTheReaderExpects)
+TEST(vmiVelmcontur, EndToEnd_ContourTextWriterGivesTheLinesTheReaderExpects)
 {
     vlm::contour_text t;
     t.open_height("HContour2").key("flag2", 1).array("x2", {1.0, -2.5}).close_height().end();

@@ -79,7 +79,7 @@ vmiObjGrid* finish_model(vmiVelmcontur& doc)
 
 }  // namespace
 
-TEST(vmiVelmconturHContour2, Flag2ZeroLeavesNoContourAndNoFinishModel)
+TEST(vmiVelmcontur, HContour2_Flag2ZeroLeavesNoContourAndNoFinishModel)
 {
     std::vector<double> x, y;
     rectangle(40, 40, 100, 200, x, y);
@@ -90,7 +90,7 @@ TEST(vmiVelmconturHContour2, Flag2ZeroLeavesNoContourAndNoFinishModel)
     EXPECT_NE(doc->working_grid(), nullptr);
 }
 
-TEST(vmiVelmconturHContour2, Flag2ZeroThenALaterHContour2MakesTheFinishModel)
+TEST(vmiVelmcontur, HContour2_Flag2ZeroThenALaterHContour2MakesTheFinishModel)
 {
     std::vector<double> x, y;
     rectangle(40, 40, 100, 200, x, y);
@@ -99,7 +99,7 @@ TEST(vmiVelmconturHContour2, Flag2ZeroThenALaterHContour2MakesTheFinishModel)
     EXPECT_EQ(names(*doc), (std::vector<std::string> {"FINISH_MODEL~7"}));
 }
 
-TEST(vmiVelmconturHContour2, Flag2WithoutOutlinePointsChangesNothing)
+TEST(vmiVelmcontur, HContour2_Flag2WithoutOutlinePointsChangesNothing)
 {
     std::vector<double> x, y;
     rectangle(40, 40, 100, 200, x, y);
@@ -129,7 +129,7 @@ TEST(vmiVelmconturHContour2, Flag2WithoutOutlinePointsChangesNothing)
     }
 }
 
-TEST(vmiVelmconturHContour2, ContourIsACopyOfTheSplineApproximation)
+TEST(vmiVelmcontur, HContour2_ContourIsACopyOfTheSplineApproximation)
 {
     std::vector<double> x, y;
     vlm::foot_outline(40, 40, 40, 90, 250, x, y);
@@ -156,7 +156,7 @@ TEST(vmiVelmconturHContour2, ContourIsACopyOfTheSplineApproximation)
     EXPECT_EQ(names(*doc), (std::vector<std::string> {"FINISH_MODEL~4"}));
 }
 
-TEST(vmiVelmconturHContour2, FirstCurveAndFlag1AreReadAndDiscarded)
+TEST(vmiVelmcontur, HContour2_FirstCurveAndFlag1AreReadAndDiscarded)
 {
     std::vector<double> x, y;
     rectangle(40, 40, 100, 200, x, y);
@@ -178,7 +178,7 @@ TEST(vmiVelmconturHContour2, FirstCurveAndFlag1AreReadAndDiscarded)
     EXPECT_EQ(doc->contour()->point(0).x(), 40.0);
 }
 
-TEST(vmiVelmconturHContour2, TrimsTheWorkingGridToTheOutline)
+TEST(vmiVelmcontur, HContour2_TrimsTheWorkingGridToTheOutline)
 {
     // Base grid 101 x 201 at spacing 1 (heights 5), working grid 160 x 260
     // with the base at (30, 30); the outline is a rectangle inside the base.
@@ -202,7 +202,7 @@ TEST(vmiVelmconturHContour2, TrimsTheWorkingGridToTheOutline)
     EXPECT_EQ(g->point(80, 40).z(), vmiBaseGrid::empty_z);
 }
 
-TEST(vmiVelmconturHContour2, FinishModelTakesTheWorkingGridAndReleasesTheBaseGrid)
+TEST(vmiVelmcontur, HContour2_FinishModelTakesTheWorkingGridAndReleasesTheBaseGrid)
 {
     std::vector<double> x, y;
     rectangle(50, 60, 110, 200, x, y);
@@ -219,7 +219,7 @@ TEST(vmiVelmconturHContour2, FinishModelTakesTheWorkingGridAndReleasesTheBaseGri
     EXPECT_EQ(doc->base_grid(), nullptr);
 }
 
-TEST(vmiVelmconturHContour2, SecondHContour2ReplacesContourAndMap)
+TEST(vmiVelmcontur, HContour2_SecondHContour2ReplacesContourAndMap)
 {
     std::vector<double> x, y, x2, y2;
     rectangle(50, 60, 110, 200, x, y);
@@ -232,7 +232,7 @@ TEST(vmiVelmconturHContour2, SecondHContour2ReplacesContourAndMap)
     EXPECT_EQ(names(*doc), (std::vector<std::string> {"FINISH_MODEL~4"}));
 }
 
-TEST(vmiVelmconturHContour2, OutlineWithAnInfiniteCoordinateIsNotTaken)
+TEST(vmiVelmcontur, HContour2_OutlineWithAnInfiniteCoordinateIsNotTaken)
 {
     auto doc = parse(contour_text()
                          .open_height("HContour2")
@@ -247,7 +247,7 @@ TEST(vmiVelmconturHContour2, OutlineWithAnInfiniteCoordinateIsNotTaken)
     EXPECT_EQ(doc->no_of_objects(), 0);
 }
 
-TEST(vmiVelmconturHContour2, CoincidentPointsGiveAContourOfOnePlaceAndAnEmptyModel)
+TEST(vmiVelmcontur, HContour2_CoincidentPointsGiveAContourOfOnePlaceAndAnEmptyModel)
 {
     // Every point the same: the outline encloses nothing, so the finished
     // model holds no valid node.
@@ -265,7 +265,7 @@ TEST(vmiVelmconturHContour2, CoincidentPointsGiveAContourOfOnePlaceAndAnEmptyMod
     EXPECT_EQ(valid, 0);
 }
 
-TEST(vmiVelmconturHContour2, OutlineLongerThanMaxContourCellsIsNotTaken)
+TEST(vmiVelmcontur, HContour2_OutlineLongerThanMaxContourCellsIsNotTaken)
 {
     // A zigzag across the whole default grid (440 columns): 3000 crossings
     // are about 1.3 million cells.
@@ -281,7 +281,7 @@ TEST(vmiVelmconturHContour2, OutlineLongerThanMaxContourCellsIsNotTaken)
     EXPECT_EQ(doc->no_of_objects(), 0);
 }
 
-TEST(vmiVelmconturHContour2, OutlineOfMoreThanMaxOutlinePointsIsNotTaken)
+TEST(vmiVelmcontur, HContour2_OutlineOfMoreThanMaxOutlinePointsIsNotTaken)
 {
     std::vector<double> x, y;
     const int n = vmiVelmcontur::max_outline_points + 1;
@@ -293,7 +293,7 @@ TEST(vmiVelmconturHContour2, OutlineOfMoreThanMaxOutlinePointsIsNotTaken)
     EXPECT_EQ(doc->contour(), nullptr);
 }
 
-TEST(vmiVelmconturSections, EverySectionsKeysAreReadSoTheFileParsesOn)
+TEST(vmiVelmcontur, Sections_EverySectionsKeysAreReadSoTheFileParsesOn)
 {
     // Every height section with all its keys, arrays on one line each with
     // exactly their counts; then the blank and the outline still take effect.
@@ -345,7 +345,7 @@ TEST(vmiVelmconturSections, EverySectionsKeysAreReadSoTheFileParsesOn)
     EXPECT_EQ(doc->smoothing_factor(), 3);
 }
 
-TEST(vmiVelmconturSections, HGlaettStoresItsFactorAndDefaultsToOne)
+TEST(vmiVelmcontur, Sections_HGlaettStoresItsFactorAndDefaultsToOne)
 {
     auto doc = parse(
         contour_text().open_height("HGlaett").key("gfactor", 5).close_height().end().text());

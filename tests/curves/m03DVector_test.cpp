@@ -23,7 +23,7 @@ void expect_points(const m03DVector& v, std::initializer_list<m03DPoint> want)
 
 }  // namespace
 
-TEST(M03DVector, Constructor_PointsStartAtOrigin)
+TEST(m03DVector, Constructor_PointsStartAtOrigin)
 {
     m03DVector v(3);
     ASSERT_EQ(v.size(), 3);
@@ -32,7 +32,7 @@ TEST(M03DVector, Constructor_PointsStartAtOrigin)
         expect_point(v.point(i), 0.0, 0.0, 0.0);
 }
 
-TEST(M03DVector, Constructor_NegativeCountMakesEmptyVector)
+TEST(m03DVector, Constructor_NegativeCountMakesEmptyVector)
 {
     m03DVector v(-5);
     EXPECT_EQ(v.size(), 0);
@@ -43,14 +43,14 @@ TEST(M03DVector, Constructor_NegativeCountMakesEmptyVector)
     expect_point(v.point(0.5), 0.0, 0.0, 0.0);
 }
 
-TEST(M03DVector, Constructor_ZeroCountHasNoStorage)
+TEST(m03DVector, Constructor_ZeroCountHasNoStorage)
 {
     m03DVector v(0);
     EXPECT_EQ(v.size(), 0);
     EXPECT_EQ(v.get_point_array(), nullptr);
 }
 
-TEST(M03DVector, CopyFromPointer_IsDeep)
+TEST(m03DVector, CopyFromPointer_IsDeep)
 {
     auto v = polyline({{1, 2, 3}, {4, 5, 6}});
     m03DVector copy(v.get());
@@ -59,7 +59,7 @@ TEST(M03DVector, CopyFromPointer_IsDeep)
     expect_points(copy, {{1, 2, 3}, {4, 5, 6}});
 }
 
-TEST(M03DVector, CopyFromEmpty_IsEmpty)
+TEST(m03DVector, CopyFromEmpty_IsEmpty)
 {
     m03DVector empty(0);
     m03DVector copy(&empty);
@@ -67,14 +67,14 @@ TEST(M03DVector, CopyFromEmpty_IsEmpty)
     EXPECT_EQ(copy.get_point_array(), nullptr);
 }
 
-TEST(M03DVector, SizeReference_RewritesCount)
+TEST(m03DVector, SizeReference_RewritesCount)
 {
     m03DVector v(4);
     v.size() = 2;
     EXPECT_EQ(v.size(), 2);
 }
 
-TEST(M03DVector, SetSize_NeitherReallocatesNorClears)
+TEST(m03DVector, SetSize_NeitherReallocatesNorClears)
 {
     auto v = polyline({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}});
     m03DPoint* storage = v->get_point_array();
@@ -84,7 +84,7 @@ TEST(M03DVector, SetSize_NeitherReallocatesNorClears)
     expect_points(*v, {{1, 0, 0}, {2, 0, 0}, {3, 0, 0}});
 }
 
-TEST(M03DVector, PointAndSetPoint_ReachTheSameSlot)
+TEST(m03DVector, PointAndSetPoint_ReachTheSameSlot)
 {
     m03DVector v(2);
     v.set_point(1, m03DPoint(7, 8, 9));
@@ -93,7 +93,7 @@ TEST(M03DVector, PointAndSetPoint_ReachTheSameSlot)
     expect_point(v.get_point_array()[0], 1, 1, 1);
 }
 
-TEST(M03DVector, PointAtParameter_InterpolatesInsideASegment)
+TEST(m03DVector, PointAtParameter_InterpolatesInsideASegment)
 {
     auto v = polyline({{0, 0, 0}, {2, 0, 0}, {2, 4, 0}});
     expect_point(v->point(0.25), 0.5, 0.0, 0.0);
@@ -101,28 +101,28 @@ TEST(M03DVector, PointAtParameter_InterpolatesInsideASegment)
     expect_point(v->point(1.0), 2.0, 0.0, 0.0);
 }
 
-TEST(M03DVector, PointAtParameter_2Point5OnThreePointsIsLastPoint)
+TEST(m03DVector, PointAtParameter_2Point5OnThreePointsIsLastPoint)
 {
     auto v = polyline({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}});
     expect_point(v->point(2.5), 1, 1, 0);
     expect_point(v->point(2.0), 1, 1, 0);
 }
 
-TEST(M03DVector, PointAtParameter_MinusHalfExtendsFirstSegmentBackwards)
+TEST(m03DVector, PointAtParameter_MinusHalfExtendsFirstSegmentBackwards)
 {
     auto v = polyline({{1, 1, 0}, {3, 2, 0}, {3, 5, 0}});
     // point(0) - 0.5 * (point(1) - point(0)): before the first point, kept as designed.
     expect_point(v->point(-0.5), 0.0, 0.5, 0.0);
 }
 
-TEST(M03DVector, PointAtParameter_MinusOnePointFiveIsFirstPoint)
+TEST(m03DVector, PointAtParameter_MinusOnePointFiveIsFirstPoint)
 {
     auto v = polyline({{1, 1, 0}, {3, 2, 0}, {3, 5, 0}});
     expect_point(v->point(-1.5), 1, 1, 0);
     expect_point(v->point(-1.0), 1, 1, 0);
 }
 
-TEST(M03DVector, PointAtParameter_HugeOrNaNParameterIsAnEndPoint)
+TEST(m03DVector, PointAtParameter_HugeOrNaNParameterIsAnEndPoint)
 {
     auto v = polyline({{1, 1, 0}, {3, 2, 0}});
     expect_point(v->point(1e300), 3, 2, 0);
@@ -130,26 +130,26 @@ TEST(M03DVector, PointAtParameter_HugeOrNaNParameterIsAnEndPoint)
     expect_point(v->point(std::numeric_limits<double>::quiet_NaN()), 3, 2, 0);
 }
 
-TEST(M03DVector, Length_SumsSegmentLengths)
+TEST(m03DVector, Length_SumsSegmentLengths)
 {
     auto v = polyline({{0, 0, 0}, {3, 4, 0}, {3, 4, 12}});
     EXPECT_EQ(v->length(), 17.0);
 }
 
-TEST(M03DVector, Length_FewerThanTwoPointsIsZero)
+TEST(m03DVector, Length_FewerThanTwoPointsIsZero)
 {
     auto v = polyline({{5, 5, 5}});
     EXPECT_EQ(v->length(), 0.0);
 }
 
-TEST(M03DVector, MinDistPoint_SinglePointIsThatPoint)
+TEST(m03DVector, MinDistPoint_SinglePointIsThatPoint)
 {
     auto v = polyline({{5, 6, 7}});
     m03DPoint q(0, 0, 0);
     expect_point(v->min_dist_point(q), 5, 6, 7);
 }
 
-TEST(M03DVector, MinDistPoint_ProjectsOntoNearestSegment)
+TEST(m03DVector, MinDistPoint_ProjectsOntoNearestSegment)
 {
     auto v = polyline({{0, 0, 0}, {4, 0, 0}, {4, 4, 0}});
     m03DPoint q(5, 3, 0);
@@ -160,7 +160,7 @@ TEST(M03DVector, MinDistPoint_ProjectsOntoNearestSegment)
     expect_point(v->min_dist_point(beyond), 4, 4, 0);
 }
 
-TEST(M03DVector, MinDistPoint_TieKeepsEarlierSegment)
+TEST(m03DVector, MinDistPoint_TieKeepsEarlierSegment)
 {
     // The origin is exactly 1 from the start of the first segment and from the end
     // of the last one.
@@ -169,35 +169,35 @@ TEST(M03DVector, MinDistPoint_TieKeepsEarlierSegment)
     expect_point(v->min_dist_point(q), -1, 0, 0);
 }
 
-TEST(M03DVector, MinDistPoint_ZeroLengthSegmentOffersItsStart)
+TEST(m03DVector, MinDistPoint_ZeroLengthSegmentOffersItsStart)
 {
     auto v = polyline({{0, 0, 0}, {0, 0, 0}});
     m03DPoint q(1, 1, 1);
     expect_point(v->min_dist_point(q), 0, 0, 0);
 }
 
-TEST(M03DVector, Offset_AddsToEveryPoint)
+TEST(m03DVector, Offset_AddsToEveryPoint)
 {
     auto v = polyline({{0, 0, 0}, {1, 2, 3}});
     v->offset(m03DPoint(1, -1, 0.5));
     expect_points(*v, {{1, -1, 0.5}, {2, 1, 3.5}});
 }
 
-TEST(M03DVector, Reverse_OddCountKeepsMiddle)
+TEST(m03DVector, Reverse_OddCountKeepsMiddle)
 {
     auto v = polyline({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}});
     v->reverse();
     expect_points(*v, {{3, 0, 0}, {2, 0, 0}, {1, 0, 0}});
 }
 
-TEST(M03DVector, Reverse_EvenCountSwapsAll)
+TEST(m03DVector, Reverse_EvenCountSwapsAll)
 {
     auto v = polyline({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}});
     v->reverse();
     expect_points(*v, {{4, 0, 0}, {3, 0, 0}, {2, 0, 0}, {1, 0, 0}});
 }
 
-TEST(M03DVector, DeletePoint_ShiftsLaterPointsDownInPlace)
+TEST(m03DVector, DeletePoint_ShiftsLaterPointsDownInPlace)
 {
     auto v = polyline({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}});
     m03DPoint* storage = v->get_point_array();
@@ -206,7 +206,7 @@ TEST(M03DVector, DeletePoint_ShiftsLaterPointsDownInPlace)
     expect_points(*v, {{1, 0, 0}, {3, 0, 0}});
 }
 
-TEST(M03DVector, DeletePoint_IndexPastEndOrNegativeIsIgnored)
+TEST(m03DVector, DeletePoint_IndexPastEndOrNegativeIsIgnored)
 {
     auto v = polyline({{1, 0, 0}, {2, 0, 0}});
     v->delete_point(2);
@@ -217,14 +217,14 @@ TEST(M03DVector, DeletePoint_IndexPastEndOrNegativeIsIgnored)
     EXPECT_EQ(empty.size(), 0);
 }
 
-TEST(M03DVector, DeleteCoincide_DropsPointsWithin1e5OfLastKept)
+TEST(m03DVector, DeleteCoincide_DropsPointsWithin1e5OfLastKept)
 {
     auto v = polyline({{0, 0, 0}, {0, 0, 1e-6}, {0, 0, 2e-5}});
     v->delete_coincide();
     expect_points(*v, {{0, 0, 0}, {0, 0, 2e-5}});
 }
 
-TEST(M03DVector, DeleteCoincide_ComparesWithLastKeptNotWithPredecessor)
+TEST(m03DVector, DeleteCoincide_ComparesWithLastKeptNotWithPredecessor)
 {
     // Each step is 6e-6, but the third point is 1.2e-5 from the kept first one.
     auto v = polyline({{0, 0, 0}, {6e-6, 0, 0}, {1.2e-5, 0, 0}});
@@ -232,7 +232,7 @@ TEST(M03DVector, DeleteCoincide_ComparesWithLastKeptNotWithPredecessor)
     expect_points(*v, {{0, 0, 0}, {1.2e-5, 0, 0}});
 }
 
-TEST(M03DVector, DeleteCoincide_ClosedPolylineKeepsDistinctClosingPoint)
+TEST(m03DVector, DeleteCoincide_ClosedPolylineKeepsDistinctClosingPoint)
 {
     // The first point is never compared with the last.
     auto v = polyline({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 0, 0}});
@@ -240,7 +240,7 @@ TEST(M03DVector, DeleteCoincide_ClosedPolylineKeepsDistinctClosingPoint)
     expect_points(*v, {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 0, 0}});
 }
 
-TEST(M03DVector, DeleteCoincide_EmptyVectorIsLeftAlone)
+TEST(m03DVector, DeleteCoincide_EmptyVectorIsLeftAlone)
 {
     m03DVector v(0);
     v.delete_coincide();
@@ -248,7 +248,7 @@ TEST(M03DVector, DeleteCoincide_EmptyVectorIsLeftAlone)
     EXPECT_EQ(v.get_point_array(), nullptr);
 }
 
-TEST(M03DVector, Limit_SameSegmentLeavesExactlyAAndB)
+TEST(m03DVector, Limit_SameSegmentLeavesExactlyAAndB)
 {
     auto v = polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}});
     m03DPoint a(2, 0, 0);
@@ -257,7 +257,7 @@ TEST(M03DVector, Limit_SameSegmentLeavesExactlyAAndB)
     expect_points(*v, {{2, 0, 0}, {7, 0, 0}});
 }
 
-TEST(M03DVector, Limit_KeepsPointsStrictlyBetweenTheTwoSegments)
+TEST(m03DVector, Limit_KeepsPointsStrictlyBetweenTheTwoSegments)
 {
     auto v = polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}});
     m03DPoint a(5, 0, 0);
@@ -266,7 +266,7 @@ TEST(M03DVector, Limit_KeepsPointsStrictlyBetweenTheTwoSegments)
     expect_points(*v, {{5, 0, 0}, {10, 0, 0}, {10, 10, 0}, {5, 10, 0}});
 }
 
-TEST(M03DVector, Limit_OpenPolylineBBeforeAGivesReversedPiece)
+TEST(m03DVector, Limit_OpenPolylineBBeforeAGivesReversedPiece)
 {
     auto v = polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}});
     m03DPoint a(5, 10, 0);
@@ -275,7 +275,7 @@ TEST(M03DVector, Limit_OpenPolylineBBeforeAGivesReversedPiece)
     expect_points(*v, {{5, 10, 0}, {10, 10, 0}, {10, 0, 0}, {5, 0, 0}});
 }
 
-TEST(M03DVector, Limit_ClosedAcrossSeamCopiesBothFirstAndLastPoint)
+TEST(m03DVector, Limit_ClosedAcrossSeamCopiesBothFirstAndLastPoint)
 {
     // A closed square; a lies on its last segment, b on its first.
     auto v = polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}, {0, 0, 0}});
@@ -286,7 +286,7 @@ TEST(M03DVector, Limit_ClosedAcrossSeamCopiesBothFirstAndLastPoint)
     expect_points(*v, {{0, 5, 0}, {0, 0, 0}, {0, 0, 0}, {5, 0, 0}});
 }
 
-TEST(M03DVector, Limit_ClosedWithoutWrapTrimsInPlace)
+TEST(m03DVector, Limit_ClosedWithoutWrapTrimsInPlace)
 {
     auto v = polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}, {0, 0, 0}});
     m03DPoint a(5, 0, 0);
@@ -295,7 +295,7 @@ TEST(M03DVector, Limit_ClosedWithoutWrapTrimsInPlace)
     expect_points(*v, {{5, 0, 0}, {10, 0, 0}, {10, 5, 0}});
 }
 
-TEST(M03DVector, Limit_CoincidentEndsChangeNothing)
+TEST(m03DVector, Limit_CoincidentEndsChangeNothing)
 {
     auto v = polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}});
     m03DPoint a(5, 0, 0);
@@ -304,7 +304,7 @@ TEST(M03DVector, Limit_CoincidentEndsChangeNothing)
     expect_points(*v, {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}});
 }
 
-TEST(M03DVector, Limit_TwoPointsBecomeAAndB)
+TEST(m03DVector, Limit_TwoPointsBecomeAAndB)
 {
     auto v = polyline({{0, 0, 0}, {10, 0, 0}});
     m03DPoint a(8, 0, 0);
@@ -313,7 +313,7 @@ TEST(M03DVector, Limit_TwoPointsBecomeAAndB)
     expect_points(*v, {{8, 0, 0}, {1, 0, 0}});
 }
 
-TEST(M03DVector, Limit_FewerThanTwoPointsIsLeftAlone)
+TEST(m03DVector, Limit_FewerThanTwoPointsIsLeftAlone)
 {
     auto v = polyline({{3, 3, 3}});
     m03DPoint a(0, 0, 0);

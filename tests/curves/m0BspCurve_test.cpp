@@ -53,7 +53,7 @@ const std::vector<m03DPoint> kFour = {{0, 0, 0}, {1, 2, 0}, {3, 2, 1}, {4, 0, 0}
 
 }  // namespace
 
-TEST(M0BspCurve, DefaultConstructor_EmptyWithFlagsAndCountsZero)
+TEST(m0BspCurve, DefaultConstructor_EmptyWithFlagsAndCountsZero)
 {
     m0BspCurve c;
     EXPECT_EQ(c.knot_vector(), nullptr);
@@ -68,7 +68,7 @@ TEST(M0BspCurve, DefaultConstructor_EmptyWithFlagsAndCountsZero)
     EXPECT_TRUE(same_bits(c.first_der(0.5), m03DPoint()));
 }
 
-TEST(M0BspCurve, Construct_SevenPointsOrderFour_KnotsInRunsAndPointAtHalfIsFourthControlPoint)
+TEST(m0BspCurve, Construct_SevenPointsOrderFour_KnotsInRunsAndPointAtHalfIsFourthControlPoint)
 {
     m0BspCurve c(points_of(kSeven), 4);
     ASSERT_NE(c.knot_vector(), nullptr);
@@ -82,7 +82,7 @@ TEST(M0BspCurve, Construct_SevenPointsOrderFour_KnotsInRunsAndPointAtHalfIsFourt
     EXPECT_TRUE(c.point(0.5) == kSeven[3]);
 }
 
-TEST(M0BspCurve, Construct_FourPointsOrderFour_PointAtOneIsLastControlPointExactly)
+TEST(m0BspCurve, Construct_FourPointsOrderFour_PointAtOneIsLastControlPointExactly)
 {
     m0BspCurve c(points_of(kFour), 4);
     const std::vector<double> expected = {0, 0, 0, 0, 1, 1, 1, 1};
@@ -93,7 +93,7 @@ TEST(M0BspCurve, Construct_FourPointsOrderFour_PointAtOneIsLastControlPointExact
     EXPECT_TRUE(same_bits(c.point(0.0), kFour[0]));
 }
 
-TEST(M0BspCurve, Construct_TenPointsOrderFour_ThreeBezierPiecesAtThirds)
+TEST(m0BspCurve, Construct_TenPointsOrderFour_ThreeBezierPiecesAtThirds)
 {
     std::vector<m03DPoint> pts;
     for (int i = 0; i < 10; i++)
@@ -106,7 +106,7 @@ TEST(M0BspCurve, Construct_TenPointsOrderFour_ThreeBezierPiecesAtThirds)
         EXPECT_EQ(c.knot_vector()->point(i), expected[i]) << i;
 }
 
-TEST(M0BspCurve, Construct_NullPointsOrOrderBelowTwoOrAboveBound_StaysEmpty)
+TEST(m0BspCurve, Construct_NullPointsOrOrderBelowTwoOrAboveBound_StaysEmpty)
 {
     m0BspCurve none(nullptr, 4);
     EXPECT_EQ(none.cpnt_vector(), nullptr);
@@ -122,7 +122,7 @@ TEST(M0BspCurve, Construct_NullPointsOrOrderBelowTwoOrAboveBound_StaysEmpty)
     EXPECT_NE(highest.knot_vector(), nullptr);
 }
 
-TEST(M0BspCurve, Construct_FewerPointsThanOrder_OnesOverwriteZerosAndEvaluationStaysInside)
+TEST(m0BspCurve, Construct_FewerPointsThanOrder_OnesOverwriteZerosAndEvaluationStaysInside)
 {
     m0BspCurve c(points_of({{0, 0, 0}, {1, 1, 0}}), 4);
     const std::vector<double> expected = {0, 0, 1, 1, 1, 1};
@@ -133,7 +133,7 @@ TEST(M0BspCurve, Construct_FewerPointsThanOrder_OnesOverwriteZerosAndEvaluationS
     EXPECT_TRUE(std::isfinite(p.x()) && std::isfinite(p.y()));
 }
 
-TEST(M0BspCurve, CopyConstructor_DeepCopyKeepsFlagsAndWeights)
+TEST(m0BspCurve, CopyConstructor_DeepCopyKeepsFlagsAndWeights)
 {
     m0BspCurve* src = make_curve(2, {0, 0, 0, 1, 1, 1}, {{0, 0, 0}, {1, 1, 0}, {2, 0, 0}}, {1, 0.5, 1});
     src->set_closed(1);
@@ -157,7 +157,7 @@ TEST(M0BspCurve, CopyConstructor_DeepCopyKeepsFlagsAndWeights)
     EXPECT_EQ(from_null.knot_vector(), nullptr);
 }
 
-TEST(M0BspCurve, Setters_ReplacingAVectorReleasesTheOldOneAndSamePointerIsKept)
+TEST(m0BspCurve, Setters_ReplacingAVectorReleasesTheOldOneAndSamePointerIsKept)
 {
     m0BspCurve c;
     m01DVector* knots = values_of({0, 0, 1, 1});
@@ -174,7 +174,7 @@ TEST(M0BspCurve, Setters_ReplacingAVectorReleasesTheOldOneAndSamePointerIsKept)
     EXPECT_TRUE(c.point(1.0) == m03DPoint(1, 0, 0));
 }
 
-TEST(M0BspCurve, Point_BeforeStart_ContinuesStraightFromFirstPointAtStartSpeed)
+TEST(m0BspCurve, Point_BeforeStart_ContinuesStraightFromFirstPointAtStartSpeed)
 {
     // P0 at the origin keeps the measured speed exact to rounding.
     m0BspCurve c(points_of(kFour), 4);
@@ -186,7 +186,7 @@ TEST(M0BspCurve, Point_BeforeStart_ContinuesStraightFromFirstPointAtStartSpeed)
     EXPECT_NEAR((p - kFour[0]).vect_mult(dir).module(), 0.0, 1e-15);
 }
 
-TEST(M0BspCurve, Point_BeyondEnd_ContinuesStraightFromLastPointAtEndSpeed)
+TEST(m0BspCurve, Point_BeyondEnd_ContinuesStraightFromLastPointAtEndSpeed)
 {
     // Knots on [-1, 0] and the last point at the origin keep the probe and the
     // measured speed exact to rounding.
@@ -200,14 +200,14 @@ TEST(M0BspCurve, Point_BeyondEnd_ContinuesStraightFromLastPointAtEndSpeed)
     delete c;
 }
 
-TEST(M0BspCurve, Point_WithinEndSnap_GivesEndControlPoints)
+TEST(m0BspCurve, Point_WithinEndSnap_GivesEndControlPoints)
 {
     m0BspCurve c(points_of(kFour), 4);
     EXPECT_TRUE(same_bits(c.point(-5e-15), kFour[0]));
     EXPECT_TRUE(same_bits(c.point(1.0 + 5e-15), kFour[3]));
 }
 
-TEST(M0BspCurve, Point_KnotRangeShorterThanProbeStep_ContinuationIsTheEndPoint)
+TEST(m0BspCurve, Point_KnotRangeShorterThanProbeStep_ContinuationIsTheEndPoint)
 {
     // The speed probe would land beyond the other end and continue back again.
     m0BspCurve* c = make_curve(1, {0, 0, 5e-14, 5e-14}, {{0, 0, 0}, {1, 0, 0}});
@@ -221,7 +221,7 @@ TEST(M0BspCurve, Point_KnotRangeShorterThanProbeStep_ContinuationIsTheEndPoint)
     delete back;
 }
 
-TEST(M0BspCurve, Point_SingleControlPoint_ContinuationStaysAtIt)
+TEST(m0BspCurve, Point_SingleControlPoint_ContinuationStaysAtIt)
 {
     m0BspCurve* c = make_curve(0, {0, 1}, {{2, 3, 4}});
     EXPECT_TRUE(c->point(-1.0) == m03DPoint(2, 3, 4));
@@ -230,7 +230,7 @@ TEST(M0BspCurve, Point_SingleControlPoint_ContinuationStaysAtIt)
     delete c;
 }
 
-TEST(M0BspCurve, Point_ClosedCurve_WrapsParameterIntoKnotRange)
+TEST(m0BspCurve, Point_ClosedCurve_WrapsParameterIntoKnotRange)
 {
     m0BspCurve c(points_of(kSeven), 4);
     c.set_closed(1);
@@ -239,7 +239,7 @@ TEST(M0BspCurve, Point_ClosedCurve_WrapsParameterIntoKnotRange)
     EXPECT_TRUE(same_bits(c.second_der(2.25), c.second_der(0.25)));
 }
 
-TEST(M0BspCurve, Point_ClosedCurveFarOutside_WrapsInOneStepAfterBoundedTurns)
+TEST(m0BspCurve, Point_ClosedCurveFarOutside_WrapsInOneStepAfterBoundedTurns)
 {
     m0BspCurve c(points_of(kSeven), 4);
     c.set_closed(1);
@@ -257,7 +257,7 @@ TEST(M0BspCurve, Point_ClosedCurveFarOutside_WrapsInOneStepAfterBoundedTurns)
     delete flat;
 }
 
-TEST(M0BspCurve, FirstDer_BeyondEndOfOpenCurve_ClampedToLastKnot)
+TEST(m0BspCurve, FirstDer_BeyondEndOfOpenCurve_ClampedToLastKnot)
 {
     m0BspCurve c(points_of(kSeven), 4);
     EXPECT_TRUE(same_bits(c.first_der(1.7), c.first_der(1.0)));
@@ -265,7 +265,7 @@ TEST(M0BspCurve, FirstDer_BeyondEndOfOpenCurve_ClampedToLastKnot)
     EXPECT_TRUE(same_bits(c.third_der(1.7), c.third_der(1.0)));
 }
 
-TEST(M0BspCurve, Derivatives_CubicBezier_MatchBernsteinForm)
+TEST(m0BspCurve, Derivatives_CubicBezier_MatchBernsteinForm)
 {
     m0BspCurve c(points_of(kFour), 4);
     const double t = 0.3;
@@ -280,7 +280,7 @@ TEST(M0BspCurve, Derivatives_CubicBezier_MatchBernsteinForm)
     expect_near(c.third_der(t), d3, 1e-12);
 }
 
-TEST(M0BspCurve, Derivatives_WithoutWeights_FormWFromUnitWeights)
+TEST(m0BspCurve, Derivatives_WithoutWeights_FormWFromUnitWeights)
 {
     // W, W', W'', W''' are the sums with every weight 1, not a fixed 1 and 0s:
     // the curve without weights gives the bits of the same curve with unit weights.
@@ -296,7 +296,7 @@ TEST(M0BspCurve, Derivatives_WithoutWeights_FormWFromUnitWeights)
     delete plain;
 }
 
-TEST(M0BspCurve, Point_WithoutWeights_IsSumOfBasisTimesControlPoints)
+TEST(m0BspCurve, Point_WithoutWeights_IsSumOfBasisTimesControlPoints)
 {
     // W is fixed at 1 in point(): no division by the sum of the basis functions.
     const std::vector<double> knots = {0, 0, 0, 0, 0.3, 0.7, 1, 1, 1, 1};
@@ -315,7 +315,7 @@ TEST(M0BspCurve, Point_WithoutWeights_IsSumOfBasisTimesControlPoints)
     delete c;
 }
 
-TEST(M0BspCurve, Derivatives_RationalQuarterCircle_TangentAndCurvatureOfUnitCircle)
+TEST(m0BspCurve, Derivatives_RationalQuarterCircle_TangentAndCurvatureOfUnitCircle)
 {
     const double w = std::sqrt(0.5);
     m0BspCurve* c = make_curve(2, {0, 0, 0, 1, 1, 1}, {{1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {1, w, 1});
@@ -335,7 +335,7 @@ TEST(M0BspCurve, Derivatives_RationalQuarterCircle_TangentAndCurvatureOfUnitCirc
     delete c;
 }
 
-TEST(M0BspCurve, Tang_IsUnitFirstDerivativeAndTang0UnitForwardDifference)
+TEST(m0BspCurve, Tang_IsUnitFirstDerivativeAndTang0UnitForwardDifference)
 {
     m0BspCurve c(points_of(kSeven), 4);
     const m03DPoint d = c.first_der(0.3);
@@ -348,7 +348,7 @@ TEST(M0BspCurve, Tang_IsUnitFirstDerivativeAndTang0UnitForwardDifference)
     delete still;
 }
 
-TEST(M0BspCurve, Normal_StraightCurve_UnitVectorPerpendicularToIt)
+TEST(m0BspCurve, Normal_StraightCurve_UnitVectorPerpendicularToIt)
 {
     m0BspCurve* c = make_curve(1, {0, 0, 1, 1}, {{0, 0, 0}, {0, 4, 0}});
     const m03DPoint n = c->normal(0.5);
@@ -357,7 +357,7 @@ TEST(M0BspCurve, Normal_StraightCurve_UnitVectorPerpendicularToIt)
     delete c;
 }
 
-TEST(M0BspCurve, Normal_StraightCurveAlongX_IsUnitOfAcrossY)
+TEST(m0BspCurve, Normal_StraightCurveAlongX_IsUnitOfAcrossY)
 {
     m0BspCurve* c = make_curve(1, {0, 0, 1, 1}, {{0, 0, 0}, {3, 0, 0}});
     const m03DPoint a = (c->point(0.49) - c->point(0.5)).single();
@@ -366,14 +366,14 @@ TEST(M0BspCurve, Normal_StraightCurveAlongX_IsUnitOfAcrossY)
     delete c;
 }
 
-TEST(M0BspCurve, Normal_PlanarCurve_PerpendicularToItsPlane)
+TEST(m0BspCurve, Normal_PlanarCurve_PerpendicularToItsPlane)
 {
     m0BspCurve c(points_of({{0, 0, 0}, {1, 2, 0}, {3, 2, 0}, {4, 0, 0}}), 4);
     const m03DPoint n = c.normal(0.4);
     EXPECT_NEAR(std::fabs(n.z()), 1.0, 1e-12);
 }
 
-TEST(M0BspCurve, GetKnotInterval_ClampedKnots_SpanStartingAtOrBeforeT)
+TEST(m0BspCurve, GetKnotInterval_ClampedKnots_SpanStartingAtOrBeforeT)
 {
     m0BspCurve c(points_of(kSeven), 4);
     EXPECT_EQ(c.get_knot_interval(0.0), 3);
@@ -383,7 +383,7 @@ TEST(M0BspCurve, GetKnotInterval_ClampedKnots_SpanStartingAtOrBeforeT)
     EXPECT_EQ(c.get_knot_interval(1.0), 6);  // the last knot: the last non-empty span
 }
 
-TEST(M0BspCurve, GetKnotInterval_FirstProbeHalfTheWidth_SearchCanEndBelowDegree)
+TEST(m0BspCurve, GetKnotInterval_FirstProbeHalfTheWidth_SearchCanEndBelowDegree)
 {
     // Uniform knots 0 .. 10, degree 3: lo = 3, hi = 7, first probe knot 2 (not
     // 5), which lets the search settle in span 2.
@@ -406,7 +406,7 @@ TEST(M0BspCurve, GetKnotInterval_FirstProbeHalfTheWidth_SearchCanEndBelowDegree)
     delete c;
 }
 
-TEST(M0BspCurve, Evaluation_ArraysShorterThanTheCurveNeeds_MissingIndicesContributeNothing)
+TEST(m0BspCurve, Evaluation_ArraysShorterThanTheCurveNeeds_MissingIndicesContributeNothing)
 {
     // Six knots for a cubic with four control points (eight wanted), and two
     // weights for four points: everything reads inside the arrays.
@@ -425,7 +425,7 @@ TEST(M0BspCurve, Evaluation_ArraysShorterThanTheCurveNeeds_MissingIndicesContrib
     delete few;
 }
 
-TEST(M0BspCurve, Evaluation_DegreeOutsideBound_GivesOrigin)
+TEST(m0BspCurve, Evaluation_DegreeOutsideBound_GivesOrigin)
 {
     std::vector<double> knots(2 * m0BspCurve::kMaxOrder + 2, 0.0);
     for (size_t i = knots.size() / 2; i < knots.size(); i++)
@@ -448,7 +448,7 @@ TEST(M0BspCurve, Evaluation_DegreeOutsideBound_GivesOrigin)
     EXPECT_EQ(m0BspCurve::get_base_function(knots.data(), 4, m0BspCurve::kMaxOrder + 1, 0.5, 0), 0.0);
 }
 
-TEST(M0BspCurve, Projection_PointOnCurve_ReturnsItsParameter)
+TEST(m0BspCurve, Projection_PointOnCurve_ReturnsItsParameter)
 {
     m0BspCurve c(points_of(kSeven), 4);
     for (double t = 0.05; t < 1.0; t += 0.1) {
@@ -458,7 +458,7 @@ TEST(M0BspCurve, Projection_PointOnCurve_ReturnsItsParameter)
     }
 }
 
-TEST(M0BspCurve, Projection_BeyondEndOfOpenCurve_ReturnsLastKnotOrAboveWhenExtended)
+TEST(m0BspCurve, Projection_BeyondEndOfOpenCurve_ReturnsLastKnotOrAboveWhenExtended)
 {
     m0BspCurve c(points_of(kFour), 4);
     const m03DPoint beyond = kFour[3] + (kFour[3] - kFour[2]).single() * 2.0;
@@ -470,7 +470,7 @@ TEST(M0BspCurve, Projection_BeyondEndOfOpenCurve_ReturnsLastKnotOrAboveWhenExten
     EXPECT_NEAR((c.point(t) - beyond).module(), 0.0, 1e-5);
 }
 
-TEST(M0BspCurve, Projection_EndsMeet_SearchesTwoHalves)
+TEST(m0BspCurve, Projection_EndsMeet_SearchesTwoHalves)
 {
     // A closed square-ish loop whose ends coincide: the whole-range chord is
     // empty, so the range is split.
@@ -481,7 +481,7 @@ TEST(M0BspCurve, Projection_EndsMeet_SearchesTwoHalves)
     }
 }
 
-TEST(M0BspCurve, Projection_HalvingNoLongerMoves_StopsAndAnswersNearby)
+TEST(m0BspCurve, Projection_HalvingNoLongerMoves_StopsAndAnswersNearby)
 {
     // Knots near 1e12 are 1.2e-4 apart while the curve is 1e6 long: the
     // range stops shrinking long before the chord is short.
@@ -494,7 +494,7 @@ TEST(M0BspCurve, Projection_HalvingNoLongerMoves_StopsAndAnswersNearby)
     delete c;
 }
 
-TEST(M0BspCurve, Reverse_PointOfReversedEqualsPointAtMirroredParameter)
+TEST(m0BspCurve, Reverse_PointOfReversedEqualsPointAtMirroredParameter)
 {
     const std::vector<double> knots = {0, 0, 0, 0, 0.2, 0.55, 0.55, 1.5, 1.5, 1.5, 1.5};
     m0BspCurve* c = make_curve(3, knots, {{0, 0, 0}, {1, 2, 0}, {2, 3, 1}, {3, 1, 2}, {4, -1, 1}, {5, 0, 0},

@@ -51,7 +51,7 @@ bool contains_bits(const m03DVector& v, const m03DPoint& p)
 
 }  // namespace
 
-TEST(M0BspCurveApproximate, StraightDegreeOne_GivesStartMiddleEnd)
+TEST(m0BspCurve, Approximate_StraightDegreeOne_GivesStartMiddleEnd)
 {
     m0BspCurve* c = make_curve(1, {0, 0, 1, 1}, {{0, 0, 0}, {2, 1, 0}});
     m03DVector* poly = c->approximate(0.0, 1.0, 0.01);
@@ -65,7 +65,7 @@ TEST(M0BspCurveApproximate, StraightDegreeOne_GivesStartMiddleEnd)
     delete c;
 }
 
-TEST(M0BspCurveApproximate, BezierChain_KnotAtHalfIsAlwaysAPoint)
+TEST(m0BspCurve, Approximate_BezierChain_KnotAtHalfIsAlwaysAPoint)
 {
     m0BspCurve c(points_of({{0, 0, 0}, {1, 3, 0}, {2, -3, 1}, {3, 0, 0}, {4, 2, 0}, {5, 5, 2}, {6, 0, 0}}), 4);
     for (double tol : {1.0, 0.1, 0.01, 0.001}) {
@@ -84,7 +84,7 @@ TEST(M0BspCurveApproximate, BezierChain_KnotAtHalfIsAlwaysAPoint)
     }
 }
 
-TEST(M0BspCurveApproximate, EqualStartAndEnd_GivesTwoPoints)
+TEST(m0BspCurve, Approximate_EqualStartAndEnd_GivesTwoPoints)
 {
     m0BspCurve c(points_of({{0, 0, 0}, {1, 3, 0}, {2, -3, 1}, {3, 0, 0}}), 4);
     m03DVector* poly = c.approximate(0.3, 0.3, 0.01);
@@ -94,7 +94,7 @@ TEST(M0BspCurveApproximate, EqualStartAndEnd_GivesTwoPoints)
     delete poly;
 }
 
-TEST(M0BspCurveApproximate, AllSampledPointsCoincide_GivesTwoPoints)
+TEST(m0BspCurve, Approximate_AllSampledPointsCoincide_GivesTwoPoints)
 {
     m0BspCurve c(points_of({{1, 2, 3}, {1, 2, 3}, {1, 2, 3}, {1, 2, 3}, {1, 2, 3}, {1, 2, 3}, {1, 2, 3}}), 4);
     m03DVector* poly = c.approximate(0.01);
@@ -104,7 +104,7 @@ TEST(M0BspCurveApproximate, AllSampledPointsCoincide_GivesTwoPoints)
     delete poly;
 }
 
-TEST(M0BspCurveApproximate, RangeWiderThanKnots_FollowsTheStraightContinuations)
+TEST(m0BspCurve, Approximate_RangeWiderThanKnots_FollowsTheStraightContinuations)
 {
     // As the foot-model limit curves use it: -0.25 .. 1.25 on a 0 .. 1 curve.
     m0BspCurve c(points_of({{0, 0, 0}, {1, 3, 0}, {2, 3, 0}, {3, 0, 0}}), 4);
@@ -117,7 +117,7 @@ TEST(M0BspCurveApproximate, RangeWiderThanKnots_FollowsTheStraightContinuations)
     delete poly;
 }
 
-TEST(M0BspCurveApproximate, ToleranceUnreachableInASpan_SpanAbandonedWithoutItsEnd)
+TEST(m0BspCurve, Approximate_ToleranceUnreachableInASpan_SpanAbandonedWithoutItsEnd)
 {
     // The first piece is a straight, evenly parametrised line; the second
     // bends so hard that no step of 1e-7 or more meets the tolerance.
@@ -132,7 +132,7 @@ TEST(M0BspCurveApproximate, ToleranceUnreachableInASpan_SpanAbandonedWithoutItsE
     delete poly;
 }
 
-TEST(M0BspCurveApproximate, StepThatNoLongerMovesTheParameter_AbandonsTheSpan)
+TEST(m0BspCurve, Approximate_StepThatNoLongerMovesTheParameter_AbandonsTheSpan)
 {
     // Near 1e12 parameters are 1.2e-4 apart: a step between 1e-7 and that is
     // accepted without moving on. The walk must end all the same.
@@ -144,7 +144,7 @@ TEST(M0BspCurveApproximate, StepThatNoLongerMovesTheParameter_AbandonsTheSpan)
     delete c;
 }
 
-TEST(M0BspCurveApproximate, MoreStepsThanTheBound_StopsAtTheBound)
+TEST(m0BspCurve, Approximate_MoreStepsThanTheBound_StopsAtTheBound)
 {
     // A zigzag of 600000 straight spans takes two steps each: 1.2 million
     // steps, more than the walk accepts. It stops after a million, every one
@@ -165,7 +165,7 @@ TEST(M0BspCurveApproximate, MoreStepsThanTheBound_StopsAtTheBound)
     delete c;
 }
 
-TEST(M0BspCurveApproximate, CurveWithoutKnots_GivesTwoOrigins)
+TEST(m0BspCurve, Approximate_CurveWithoutKnots_GivesTwoOrigins)
 {
     m0BspCurve empty;
     m03DVector* poly = empty.approximate(0.1);
@@ -175,7 +175,7 @@ TEST(M0BspCurveApproximate, CurveWithoutKnots_GivesTwoOrigins)
     delete poly;
 }
 
-TEST(M0BspCurveApproximate, SimplifyParamVector_CollapsesRunsOfEqualValues)
+TEST(m0BspCurve, Approximate_SimplifyParamVector_CollapsesRunsOfEqualValues)
 {
     m01DVector* in = values_of({0, 0, 0, 1, 1});
     m01DVector* out = m0BspCurveTestAccess::simplify(in);
@@ -187,7 +187,7 @@ TEST(M0BspCurveApproximate, SimplifyParamVector_CollapsesRunsOfEqualValues)
     delete in;
 }
 
-TEST(M0BspCurveApproximate, SimplifyParamVector_EmptyGivesOneValueAndNullGivesNull)
+TEST(m0BspCurve, Approximate_SimplifyParamVector_EmptyGivesOneValueAndNullGivesNull)
 {
     EXPECT_EQ(m0BspCurveTestAccess::simplify(nullptr), nullptr);
     m01DVector empty(0);

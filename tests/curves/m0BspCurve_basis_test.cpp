@@ -119,7 +119,7 @@ std::vector<double> parameters(const RandomCurve& rc, std::mt19937_64& rng, int 
 
 }  // namespace
 
-TEST(M0BspCurveBasis, TableEqualsRecursionBitForBit_RandomKnotsParametersAndDerivatives)
+TEST(m0BspCurve, Basis_TableEqualsRecursionBitForBit_RandomKnotsParametersAndDerivatives)
 {
     std::mt19937_64 rng(20261122);
     long compared = 0;
@@ -148,7 +148,7 @@ TEST(M0BspCurveBasis, TableEqualsRecursionBitForBit_RandomKnotsParametersAndDeri
     std::printf("basis values compared bit for bit: %ld (%ld non-zero)\n", compared, nonzero);
 }
 
-TEST(M0BspCurveBasis, SpanTableEqualsRecursionBitForBit_WellFormedSpansKnotsOnTheParameter)
+TEST(m0BspCurve, Basis_SpanTableEqualsRecursionBitForBit_WellFormedSpansKnotsOnTheParameter)
 {
     // Clamped, non-decreasing knots with runs, and parameters on the knots
     // themselves, just beside them and inside: the spans where only the band
@@ -197,7 +197,7 @@ TEST(M0BspCurveBasis, SpanTableEqualsRecursionBitForBit_WellFormedSpansKnotsOnTh
     EXPECT_GT(compared, 500000);
 }
 
-TEST(M0BspCurveBasis, NamedDerivativeFunctions_AreTableEntriesOfTheirOrder)
+TEST(m0BspCurve, Basis_NamedDerivativeFunctions_AreTableEntriesOfTheirOrder)
 {
     std::mt19937_64 rng(7);
     for (int curve = 0; curve < 50; curve++) {
@@ -217,7 +217,7 @@ TEST(M0BspCurveBasis, NamedDerivativeFunctions_AreTableEntriesOfTheirOrder)
     }
 }
 
-TEST(M0BspCurveBasis, CurveWithTablesEqualsCurveWithRecursionBitForBit)
+TEST(m0BspCurve, Basis_CurveWithTablesEqualsCurveWithRecursionBitForBit)
 {
     std::mt19937_64 rng(4242);
     long compared = 0;
@@ -243,7 +243,7 @@ TEST(M0BspCurveBasis, CurveWithTablesEqualsCurveWithRecursionBitForBit)
     EXPECT_GT(compared, 20000);
 }
 
-TEST(M0BspCurveBasis, PartitionOfUnity_ClampedCurveInsideItsRange)
+TEST(m0BspCurve, Basis_PartitionOfUnity_ClampedCurveInsideItsRange)
 {
     // A sanity check of the values themselves: the basis functions of a span
     // sum to 1 and their derivatives to 0.
@@ -260,7 +260,7 @@ TEST(M0BspCurveBasis, PartitionOfUnity_ClampedCurveInsideItsRange)
     }
 }
 
-TEST(M0BspCurveBasis, OrderOne_LastKnotClosesTheLastNonEmptySpan)
+TEST(m0BspCurve, Basis_OrderOne_LastKnotClosesTheLastNonEmptySpan)
 {
     const std::vector<double> k = {0, 0, 0.5, 1, 1};
     // At the last knot every order-1 function whose right knot is the last one is 1.
