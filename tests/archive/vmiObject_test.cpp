@@ -1,6 +1,8 @@
 // Object records and the vmiObject handle: types, forwarding, boxes, ownership.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 
 #include "archive/vmiObjCloud.h"
@@ -12,10 +14,6 @@
 #include "grid/vmiBaseGrid.h"
 #include "host/rnxNurbCurve3.h"
 #include "tests/support/testGeometry.h"
-
-namespace {
-
-}  // namespace
 
 TEST(vmiObjSpline, FromNullVector_HasNoSplineNoApproximationInvalidBoxAndNurbLeavesPointer)
 {
@@ -62,9 +60,48 @@ TEST(vmiObjSpline, FromPoints_KeepsApproximationThroughEndsAndBoxOfIt)
     EXPECT_EQ(c->num_points(), 7);
 }
 
-TEST(vmiObjSpline, ApproximationToleranceIsHalfAUnit)
+namespace {
+
+// A closed outline of 33 points on a circle of radius r around the origin.
+m03DVector* circle_outline(double r)
 {
-    EXPECT_EQ(vmiObjSpline::approximation_tolerance, 0.5);
+    const int n = 33;
+    auto* v = new m03DVector(n);
+    for (int i = 0; i < n; i++) {
+        const double a = i == n - 1 ? 0.0 : 2.0 * std::acos(-1.0) * i / (n - 1);
+        v->set_point(i, m03DPoint(r * std::cos(a), r * std::sin(a), 0.0));
+    }
+    return v;
+}
+
+// The largest distance of a chord's midpoint inside the circle of radius r.
+double largest_sagitta(m03DVector& outline, double r)
+{
+    double most = 0.0;
+    for (int k = 0; k + 1 < outline.size(); k++) {
+        const m03DPoint m = (outline.point(k) + outline.point(k + 1)) / 2.0;
+        most = std::max(most, r - std::sqrt(m.x() * m.x() + m.y() * m.y()));
+    }
+    return most;
+}
+
+}  // namespace
+
+TEST(vmiObjSpline, Approximation_HalvesASpanStepOnlyWhenItsChordLeavesTheCurveByMoreThanHalfAUnit)
+{
+    // The walk takes two steps per knot span while each chord's midpoint stays
+    // within half a unit of the curve. On a circle of radius 405 such a chord
+    // lies 0.489 inside it: 32 spans, 65 points.
+    vmiObjSpline within(utString("r405"), circle_outline(405.0));
+    ASSERT_NE(within.approximation(), nullptr);
+    EXPECT_EQ(within.approximation()->size(), 65);
+    EXPECT_GT(largest_sagitta(*within.approximation(), 405.0), 0.48);
+    EXPECT_LE(largest_sagitta(*within.approximation(), 405.0), 0.5);
+    // Radius 420: 0.507, beyond half a unit, so every step is halved.
+    vmiObjSpline beyond(utString("r420"), circle_outline(420.0));
+    ASSERT_NE(beyond.approximation(), nullptr);
+    EXPECT_EQ(beyond.approximation()->size(), 129);
+    EXPECT_LT(largest_sagitta(*beyond.approximation(), 420.0), 0.13);
 }
 
 TEST(vmiObject, SettersOnObjectWithoutRecordDoNothing)

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <initializer_list>
 #include <memory>
 #include <vector>
@@ -287,6 +288,145 @@ TEST(vmiBaseGrid, CutBoundary2_FillsGapsWithLocalMeanAndLeavesSourceAlone)
     EXPECT_EQ(row_z(*g, 6), (std::vector<double>(12, E)));
     for (int j = 0; j < 7; j++)
         EXPECT_EQ(row_z(src, j), row_z(before, j));
+}
+
+// ---------------------------------------------------------------------------
+// Local mean and the gaps of a trimmed row or column
+
+TEST(vmiBaseGrid, EverageHeight_MeanOfValidNodesInNeighbourhood)
+{
+    vmiBaseGrid g(5, 5, 1.0, 1.0);
+    g.set_z(1, 1, 1.0);
+    g.set_z(2, 2, 2.0);
+    g.set_z(3, 3, 6.0);
+    g.set_z(2, 1, vmiBaseGrid::valid_z);  // not valid
+    EXPECT_EQ(g.everage_height(2, 2, 2), 3.0);
+    EXPECT_EQ(g.everage_height(0, 0, 2), 1.0);   // cut at the border
+    EXPECT_EQ(g.everage_height(4, 0, 2), 0.0);   // no valid node
+    EXPECT_EQ(g.everage_height(2, 2, 1), 2.0);   // the node alone
+    EXPECT_EQ(g.everage_height(2, 9, 2), 0.0);   // empty row range
+}
+
+TEST(vmiBaseGrid, EverageHeight_SumsColumnByColumn)
+{
+    // The sum runs i outer, j inner; in row order the two 1s would meet first
+    // and survive the addition of 1e16.
+    vmiBaseGrid g(2, 2, 1.0, 1.0);
+    g.set_z(0, 0, 1.0);
+    g.set_z(0, 1, 1e16);
+    g.set_z(1, 0, 1.0);
+    g.set_z(1, 1, 0.0);
+    // Column order: 1 + 1e16 = 1e16, + 1 = 1e16, + 0 -> 2.5e15.
+    // Row order: 1 + 1 = 2, + 1e16 = 1e16 + 2 -> 2.5000000000000005e15.
+    EXPECT_EQ(g.everage_height(0, 0, 2), 2.5e15);
+}
+
+TEST(vmiBaseGrid, FillRow2_FrontGapExclusiveBackGapInclusive)
+{
+    // Source row: valid heights at 3 ... 6, the outline crosses at 1 and 8.
+    vmiBaseGrid src(10, 1, 1.0, 1.0);
+    for (int i = 3; i <= 6; i++)
+        src.set_z(i, 0, 2.0 * i);
+    vmiBaseGrid dst(src);
+    for (int i = 0; i < 10; i++)
+        dst.set_z(i, 0, 100.0);
+    int crossings[] = {2, 1, 8};
+    src.fill_row2(&dst, crossings, 0);
+    const double front = (6.0 + 8.0) / 2;  // the valid nodes 3 and 4 around node 3
+    const double back = (10.0 + 12.0) / 2;  // the valid nodes 5 and 6 around node 6
+    EXPECT_EQ(row_z(dst, 0), (std::vector<double>{E, front, front, 100, 100, 100, back, back, E, E}));
+    // Written nodes keep the source's x and y.
+    expect_point(dst.point(1, 0), 1.0, 0.0, front);
+}
+
+TEST(vmiBaseGrid, FillRow2_NoValidNodeOnlyEmptiesOutside)
+{
+    vmiBaseGrid src(6, 1, 1.0, 1.0);
+    vmiBaseGrid dst(6, 1, 1.0, 1.0);
+    for (int i = 0; i < 6; i++)
+        dst.set_z(i, 0, 1.0);
+    int crossings[] = {3, 1, 2, 4};
+    src.fill_row2(&dst, crossings, 0);
+    EXPECT_EQ(row_z(dst, 0), (std::vector<double>{E, 1, 1, 1, E, E}));
+    src.fill_row2(nullptr, crossings, 0);
+    src.fill_row2(&dst, nullptr, 0);
+}
+
+TEST(vmiBaseGrid, FillColm2_SameAlongColumnUpToYSize)
+{
+    vmiBaseGrid src(1, 10, 1.0, 1.0);
+    for (int j = 3; j <= 6; j++)
+        src.set_z(0, j, 2.0 * j);
+    vmiBaseGrid dst(src);
+    for (int j = 0; j < 10; j++)
+        dst.set_z(0, j, 100.0);
+    int crossings[] = {2, 1, 8};
+    src.fill_colm2(&dst, crossings, 0);
+    double front = src.everage_height(0, 3, 2);
+    double back = src.everage_height(0, 6, 2);
+    EXPECT_EQ(column_z(dst, 0), (std::vector<double>{E, front, front, 100, 100, 100, back, back, E, E}));
+    expect_point(dst.point(0, 2), 0.0, 2.0, front);
+}
+
+TEST(vmiBaseGrid, FillRow2_CrossingsBeyondGridAreAbsorbed)
+{
+    vmiBaseGrid src(4, 1, 1.0, 1.0);
+    src.set_z(2, 0, 3.0);
+    vmiBaseGrid dst(4, 1, 1.0, 1.0);
+    int crossings[] = {2, -50, 5000};
+    src.fill_row2(&dst, crossings, 0);
+    EXPECT_EQ(row_z(dst, 0), (std::vector<double>{3, 3, 3, 3}));
+}
+
+TEST(vmiBaseGrid, FillRow2_NodeAtValidThresholdIsAGapAndTheNextAboveIsNot)
+{
+    // Nodes 1 ... 4 lie between the crossings 1 and 5. Node 1 at exactly
+    // valid_z is no surface (though above empty_z): the gap before node 2
+    // takes the mean around node 2, (3 + 5) / 2. Just above valid_z, node 1
+    // is the first surface node and no gap is written.
+    const double thresholds[] = {vmiBaseGrid::valid_z, std::nextafter(vmiBaseGrid::valid_z, 0.0)};
+    const double node_1_after[] = {(3.0 + 5.0) / 2, 0.0};
+    for (int k = 0; k < 2; k++) {
+        vmiBaseGrid src(7, 1, 1.0, 1.0);
+        src.set_z(1, 0, thresholds[k]);
+        src.set_z(2, 0, 3.0);
+        src.set_z(3, 0, 5.0);
+        src.set_z(4, 0, 5.0);
+        auto dst = flat_grid(7, 1, 0.0);
+        int crossings[] = {2, 1, 5};
+        src.fill_row2(dst.get(), crossings, 0);
+        EXPECT_EQ(dst->point(1, 0).z(), node_1_after[k]) << k;
+    }
+}
+
+TEST(vmiBaseGrid, FillColm2_NodeAtValidThresholdIsAGapAndTheNextAboveIsNot)
+{
+    // As along a row, down column 0.
+    const double thresholds[] = {vmiBaseGrid::valid_z, std::nextafter(vmiBaseGrid::valid_z, 0.0)};
+    const double node_1_after[] = {(3.0 + 5.0) / 2, 0.0};
+    for (int k = 0; k < 2; k++) {
+        vmiBaseGrid src(1, 7, 1.0, 1.0);
+        src.set_z(0, 1, thresholds[k]);
+        src.set_z(0, 2, 3.0);
+        src.set_z(0, 3, 5.0);
+        src.set_z(0, 4, 5.0);
+        auto dst = flat_grid(1, 7, 0.0);
+        int crossings[] = {2, 1, 5};
+        src.fill_colm2(dst.get(), crossings, 0);
+        EXPECT_EQ(dst->point(0, 1).z(), node_1_after[k]) << k;
+    }
+}
+
+TEST(vmiBaseGrid, Drop_RoundsAPointToItsNodeFromTheOriginNotFromTheFirstNode)
+{
+    // The nodes sit at (10 + i, 20 + j); a point at (1, 2) still lands on node
+    // (1, 2), as if the first node stood at (0, 0).
+    auto g = flat_grid(4, 4, 1.0);
+    g->offset(10.0, 20.0);
+    m03DPoint p(1.0, 2.0, 5.0);
+    g->drop(&p, 1);
+    EXPECT_EQ(g->point(1, 2).z(), 6.0);
+    EXPECT_EQ(g->point(1, 2).x(), 11.0);
 }
 
 // ---------------------------------------------------------------------------

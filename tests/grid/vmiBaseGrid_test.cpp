@@ -71,6 +71,50 @@ TEST(vmiBaseGrid, Box_SpansOnlyNodesAboveEmptyMarker)
     EXPECT_EQ(b.max(), giPoint3(2.0, 3.0, 3.0));
 }
 
+TEST(vmiBaseGrid, Box_TakesEveryNodeAboveEmptyMarkerEvenBelowValidThreshold)
+{
+    // The box counts a node above empty_z, not only above valid_z: a node at
+    // valid_z is in it, one at empty_z is not.
+    vmiBaseGrid g(4, 4, 1.0, 1.0);
+    g.set_z(1, 1, 3.0);
+    g.set_z(2, 3, vmiBaseGrid::valid_z);
+    g.set_z(3, 0, vmiBaseGrid::empty_z);
+    giBox3 b = g.box();
+    EXPECT_EQ(b.min(), giPoint3(1.0, 1.0, vmiBaseGrid::valid_z));
+    EXPECT_EQ(b.max(), giPoint3(2.0, 3.0, 3.0));
+}
+
+TEST(vmiBaseGrid, Box_NodeJustAboveEmptyMarkerCounts)
+{
+    vmiBaseGrid g(4, 4, 1.0, 1.0);
+    const double just_above = std::nextafter(vmiBaseGrid::empty_z, 0.0);
+    g.set_z(2, 1, just_above);
+    giBox3 b = g.box();
+    EXPECT_EQ(b.min(), giPoint3(2.0, 1.0, just_above));
+    EXPECT_EQ(b.max(), giPoint3(2.0, 1.0, just_above));
+}
+
+TEST(vmiBaseGrid, Merge_RoundsAPointToItsNodeFromTheOriginNotFromTheFirstNode)
+{
+    // The nodes sit at (10 + i, 20 + j); a point at (1, 2) still lands on node
+    // (1, 2), as if the first node stood at (0, 0).
+    vmiBaseGrid g(4, 4, 1.0, 1.0);
+    g.offset(10.0, 20.0);
+    m03DPoint p(1.0, 2.0, 5.0);
+    g.merge(&p, 1);
+    expect_point(g.point(1, 2), 11.0, 22.0, 5.0);
+}
+
+TEST(vmiBaseGrid, Merge1_RoundsAPointToItsNodeFromTheOriginNotFromTheFirstNode)
+{
+    vmiBaseGrid g(4, 4, 1.0, 1.0);
+    g.offset(10.0, 20.0);
+    m03DPoint p(1.0, 2.0, 5.0);
+    g.merge1(&p, 1);
+    expect_point(g.point(1, 2), 11.0, 22.0, 5.0);
+    EXPECT_EQ(g.point(2, 2).z(), 5.0);  // an empty neighbour filled too
+}
+
 TEST(vmiBaseGrid, Point_OutsideGridReturnsFallback)
 {
     vmiBaseGrid g(3, 2, 1.0, 1.0);
@@ -471,89 +515,4 @@ TEST(vmiBaseGrid, FillRow1_SingleCrossingChangesNothing)
     g->fill_row1(crossings, 0, 9.0, 1);
     g->fill_row1(nullptr, 0, 9.0, 1);
     EXPECT_EQ(row_z(*g, 0), (std::vector<double>(4, 2.0)));
-}
-
-TEST(vmiBaseGrid, EverageHeight_MeanOfValidNodesInNeighbourhood)
-{
-    vmiBaseGrid g(5, 5, 1.0, 1.0);
-    g.set_z(1, 1, 1.0);
-    g.set_z(2, 2, 2.0);
-    g.set_z(3, 3, 6.0);
-    g.set_z(2, 1, vmiBaseGrid::valid_z);  // not valid
-    EXPECT_EQ(g.everage_height(2, 2, 2), 3.0);
-    EXPECT_EQ(g.everage_height(0, 0, 2), 1.0);   // cut at the border
-    EXPECT_EQ(g.everage_height(4, 0, 2), 0.0);   // no valid node
-    EXPECT_EQ(g.everage_height(2, 2, 1), 2.0);   // the node alone
-    EXPECT_EQ(g.everage_height(2, 9, 2), 0.0);   // empty row range
-}
-
-TEST(vmiBaseGrid, EverageHeight_SumsColumnByColumn)
-{
-    // The sum runs i outer, j inner; in row order the two 1s would meet first
-    // and survive the addition of 1e16.
-    vmiBaseGrid g(2, 2, 1.0, 1.0);
-    g.set_z(0, 0, 1.0);
-    g.set_z(0, 1, 1e16);
-    g.set_z(1, 0, 1.0);
-    g.set_z(1, 1, 0.0);
-    // Column order: 1 + 1e16 = 1e16, + 1 = 1e16, + 0 -> 2.5e15.
-    // Row order: 1 + 1 = 2, + 1e16 = 1e16 + 2 -> 2.5000000000000005e15.
-    EXPECT_EQ(g.everage_height(0, 0, 2), 2.5e15);
-}
-
-TEST(vmiBaseGrid, FillRow2_FrontGapExclusiveBackGapInclusive)
-{
-    // Source row: valid heights at 3 ... 6, the outline crosses at 1 and 8.
-    vmiBaseGrid src(10, 1, 1.0, 1.0);
-    for (int i = 3; i <= 6; i++)
-        src.set_z(i, 0, 2.0 * i);
-    vmiBaseGrid dst(src);
-    for (int i = 0; i < 10; i++)
-        dst.set_z(i, 0, 100.0);
-    int crossings[] = {2, 1, 8};
-    src.fill_row2(&dst, crossings, 0);
-    double front = src.everage_height(3, 0, 2);  // (6 + 8) / 2
-    double back = src.everage_height(6, 0, 2);   // (10 + 12) / 2
-    EXPECT_EQ(row_z(dst, 0), (std::vector<double>{E, front, front, 100, 100, 100, back, back, E, E}));
-    // Written nodes keep the source's x and y.
-    expect_point(dst.point(1, 0), 1.0, 0.0, front);
-}
-
-TEST(vmiBaseGrid, FillRow2_NoValidNodeOnlyEmptiesOutside)
-{
-    vmiBaseGrid src(6, 1, 1.0, 1.0);
-    vmiBaseGrid dst(6, 1, 1.0, 1.0);
-    for (int i = 0; i < 6; i++)
-        dst.set_z(i, 0, 1.0);
-    int crossings[] = {3, 1, 2, 4};
-    src.fill_row2(&dst, crossings, 0);
-    EXPECT_EQ(row_z(dst, 0), (std::vector<double>{E, 1, 1, 1, E, E}));
-    src.fill_row2(nullptr, crossings, 0);
-    src.fill_row2(&dst, nullptr, 0);
-}
-
-TEST(vmiBaseGrid, FillColm2_SameAlongColumnUpToYSize)
-{
-    vmiBaseGrid src(1, 10, 1.0, 1.0);
-    for (int j = 3; j <= 6; j++)
-        src.set_z(0, j, 2.0 * j);
-    vmiBaseGrid dst(src);
-    for (int j = 0; j < 10; j++)
-        dst.set_z(0, j, 100.0);
-    int crossings[] = {2, 1, 8};
-    src.fill_colm2(&dst, crossings, 0);
-    double front = src.everage_height(0, 3, 2);
-    double back = src.everage_height(0, 6, 2);
-    EXPECT_EQ(column_z(dst, 0), (std::vector<double>{E, front, front, 100, 100, 100, back, back, E, E}));
-    expect_point(dst.point(0, 2), 0.0, 2.0, front);
-}
-
-TEST(vmiBaseGrid, FillRow2_CrossingsBeyondGridAreAbsorbed)
-{
-    vmiBaseGrid src(4, 1, 1.0, 1.0);
-    src.set_z(2, 0, 3.0);
-    vmiBaseGrid dst(4, 1, 1.0, 1.0);
-    int crossings[] = {2, -50, 5000};
-    src.fill_row2(&dst, crossings, 0);
-    EXPECT_EQ(row_z(dst, 0), (std::vector<double>{3, 3, 3, 3}));
 }
