@@ -104,6 +104,27 @@ TEST(vmiObjSpline, Approximation_HalvesASpanStepOnlyWhenItsChordLeavesTheCurveBy
     EXPECT_LT(largest_sagitta(*beyond.approximation(), 420.0), 0.13);
 }
 
+TEST(vmiObject, Wrap_NullRecordGivesNoHandle)
+{
+    EXPECT_EQ(vmiObject::wrap(static_cast<vmiObjGrid*>(nullptr)), nullptr);
+    EXPECT_EQ(vmiObject::wrap(static_cast<vmiObjPoly*>(nullptr)), nullptr);
+    EXPECT_EQ(vmiObject::wrap(static_cast<vmiObjCloud*>(nullptr)), nullptr);
+    EXPECT_EQ(vmiObject::wrap(static_cast<vmiObjSpline*>(nullptr)), nullptr);
+}
+
+TEST(vmiObject, Wrap_HandleOwnsTheRecordUnderItsType)
+{
+    auto* poly = new vmiObjPoly(utString("p"), polyline({{0, 0, 0}, {1, 0, 0}}).release());
+    std::unique_ptr<vmiObject> o(vmiObject::wrap(poly));
+    ASSERT_NE(o, nullptr);
+    EXPECT_EQ(o->type(), vmiObject::polyline_type);
+    EXPECT_EQ(o->polyline(), poly);
+    auto* grid = new vmiObjGrid(utString("g"), new vmiBaseGrid(2, 2, 1.0, 1.0));
+    std::unique_ptr<vmiObject> g(vmiObject::wrap(grid));
+    ASSERT_NE(g, nullptr);
+    EXPECT_EQ(g->grid(), grid);
+}
+
 TEST(vmiObject, SettersOnObjectWithoutRecordDoNothing)
 {
     vmiObject o(static_cast<vmiObjPoly*>(nullptr));
