@@ -19,7 +19,7 @@ public:
         return m0BspCurve::single_basis(knots, m, order, t, i, der);
     }
     static void span(const double* knots, int m, int order, double t, int first, int max_der,
-                     double values[][m0BspCurve::kMaxOrder])
+                     double values[][m0BspCurve::max_order])
     {
         m0BspCurve::span_table(knots, m, order, t, first, max_der, values);
     }
@@ -130,7 +130,7 @@ TEST(m0BspCurve, Basis_TableEqualsRecursionBitForBit_RandomKnotsParametersAndDer
         for (double t : parameters(rc, rng, 12)) {
             for (int order = 1; order <= rc.degree + 2; order++) {
                 for (int i = -2; i <= m + 1; i++) {
-                    for (int d = 0; d <= m0BspCurve::kMaxDerivative; d++) {
+                    for (int d = 0; d <= m0BspCurve::max_derivative; d++) {
                         const double fast = Access::table_basis(rc.knots.data(), m, order, t, i, d);
                         const double ref = m0BspCurve::basis_reference(rc.knots.data(), m, order, t, i, d);
                         ASSERT_TRUE(same_bits(fast, ref)) << "order " << order << " i " << i << " d " << d
@@ -179,11 +179,11 @@ TEST(m0BspCurve, Basis_SpanTableEqualsRecursionBitForBit_WellFormedSpansKnotsOnT
             ts.push_back(k.front() + (k.back() - k.front()) * unit(rng));
         for (double t : ts) {
             for (int j = order - 1; j <= m - order; j++) {
-                double values[m0BspCurve::kMaxDerivative + 1][m0BspCurve::kMaxOrder];
+                double values[m0BspCurve::max_derivative + 1][m0BspCurve::max_order];
                 const int first = j - (order - 1);
-                Access::span(k.data(), m, order, t, first, m0BspCurve::kMaxDerivative, values);
+                Access::span(k.data(), m, order, t, first, m0BspCurve::max_derivative, values);
                 for (int c = 0; c < order; c++) {
-                    for (int d = 0; d <= m0BspCurve::kMaxDerivative; d++) {
+                    for (int d = 0; d <= m0BspCurve::max_derivative; d++) {
                         const double ref = m0BspCurve::basis_reference(k.data(), m, order, t, first + c, d);
                         ASSERT_TRUE(same_bits(values[d][c], ref))
                             << "order " << order << " span " << j << " c " << c << " d " << d << " t " << t

@@ -47,9 +47,9 @@ void expect_near(const m03DPoint& a, const m03DPoint& b, double tol)
     EXPECT_NEAR(a.z(), b.z(), tol);
 }
 
-const std::vector<m03DPoint> kSeven = {{0, 0, 0}, {1, 2, 0}, {2, 3, 1}, {3, 1, 2},
+const std::vector<m03DPoint> seven_points = {{0, 0, 0}, {1, 2, 0}, {2, 3, 1}, {3, 1, 2},
                                        {4, -1, 1}, {5, 0, 0}, {6, 2, -1}};
-const std::vector<m03DPoint> kFour = {{0, 0, 0}, {1, 2, 0}, {3, 2, 1}, {4, 0, 0}};
+const std::vector<m03DPoint> four_points = {{0, 0, 0}, {1, 2, 0}, {3, 2, 1}, {4, 0, 0}};
 
 }  // namespace
 
@@ -70,7 +70,7 @@ TEST(m0BspCurve, DefaultConstructor_EmptyWithFlagsAndCountsZero)
 
 TEST(m0BspCurve, Construct_SevenPointsOrderFour_KnotsInRunsAndPointAtHalfIsFourthControlPoint)
 {
-    m0BspCurve c(points_of(kSeven), 4);
+    m0BspCurve c(points_of(seven_points), 4);
     ASSERT_NE(c.knot_vector(), nullptr);
     const std::vector<double> expected = {0, 0, 0, 0, 0.5, 0.5, 0.5, 1, 1, 1, 1};
     ASSERT_EQ(c.knot_vector()->size(), 11);
@@ -79,18 +79,18 @@ TEST(m0BspCurve, Construct_SevenPointsOrderFour_KnotsInRunsAndPointAtHalfIsFourt
     EXPECT_EQ(c.degree(), 3);
     EXPECT_EQ(c.weight_vector(), nullptr);
     EXPECT_EQ(c.no_of_cpnt(), 0);
-    EXPECT_TRUE(c.point(0.5) == kSeven[3]);
+    EXPECT_TRUE(c.point(0.5) == seven_points[3]);
 }
 
 TEST(m0BspCurve, Construct_FourPointsOrderFour_PointAtOneIsLastControlPointExactly)
 {
-    m0BspCurve c(points_of(kFour), 4);
+    m0BspCurve c(points_of(four_points), 4);
     const std::vector<double> expected = {0, 0, 0, 0, 1, 1, 1, 1};
     ASSERT_EQ(c.knot_vector()->size(), 8);
     for (int i = 0; i < 8; i++)
         EXPECT_EQ(c.knot_vector()->point(i), expected[i]);
-    EXPECT_TRUE(same_bits(c.point(1.0), kFour[3]));
-    EXPECT_TRUE(same_bits(c.point(0.0), kFour[0]));
+    EXPECT_TRUE(same_bits(c.point(1.0), four_points[3]));
+    EXPECT_TRUE(same_bits(c.point(0.0), four_points[0]));
 }
 
 TEST(m0BspCurve, Construct_TenPointsOrderFour_ThreeBezierPiecesAtThirds)
@@ -112,13 +112,13 @@ TEST(m0BspCurve, Construct_NullPointsOrOrderBelowTwoOrAboveBound_StaysEmpty)
     EXPECT_EQ(none.cpnt_vector(), nullptr);
     EXPECT_EQ(none.knot_vector(), nullptr);
     // The points are taken over and released (the leak checker watches).
-    m0BspCurve order_one(points_of(kFour), 1);
+    m0BspCurve order_one(points_of(four_points), 1);
     EXPECT_EQ(order_one.cpnt_vector(), nullptr);
     EXPECT_EQ(order_one.knot_vector(), nullptr);
-    m0BspCurve too_high(points_of(kFour), m0BspCurve::kMaxOrder + 1);
+    m0BspCurve too_high(points_of(four_points), m0BspCurve::max_order + 1);
     EXPECT_EQ(too_high.cpnt_vector(), nullptr);
     EXPECT_EQ(too_high.knot_vector(), nullptr);
-    m0BspCurve highest(points_of(std::vector<m03DPoint>(m0BspCurve::kMaxOrder)), m0BspCurve::kMaxOrder);
+    m0BspCurve highest(points_of(std::vector<m03DPoint>(m0BspCurve::max_order)), m0BspCurve::max_order);
     EXPECT_NE(highest.knot_vector(), nullptr);
 }
 
@@ -177,13 +177,13 @@ TEST(m0BspCurve, Setters_ReplacingAVectorReleasesTheOldOneAndSamePointerIsKept)
 TEST(m0BspCurve, Point_BeforeStart_ContinuesStraightFromFirstPointAtStartSpeed)
 {
     // P0 at the origin keeps the measured speed exact to rounding.
-    m0BspCurve c(points_of(kFour), 4);
+    m0BspCurve c(points_of(four_points), 4);
     const m03DPoint p = c.point(-0.1);
-    const m03DPoint dir = (kFour[0] - kFour[1]).single();
+    const m03DPoint dir = (four_points[0] - four_points[1]).single();
     // A cubic Bezier piece on [0, 1] starts with speed 3·|P1 - P0|.
-    const double speed = 3.0 * (kFour[1] - kFour[0]).module();
-    expect_near(p, kFour[0] + dir * (0.1 * speed), 1e-9);
-    EXPECT_NEAR((p - kFour[0]).vect_mult(dir).module(), 0.0, 1e-15);
+    const double speed = 3.0 * (four_points[1] - four_points[0]).module();
+    expect_near(p, four_points[0] + dir * (0.1 * speed), 1e-9);
+    EXPECT_NEAR((p - four_points[0]).vect_mult(dir).module(), 0.0, 1e-15);
 }
 
 TEST(m0BspCurve, Point_BeyondEnd_ContinuesStraightFromLastPointAtEndSpeed)
@@ -202,9 +202,9 @@ TEST(m0BspCurve, Point_BeyondEnd_ContinuesStraightFromLastPointAtEndSpeed)
 
 TEST(m0BspCurve, Point_WithinEndSnap_GivesEndControlPoints)
 {
-    m0BspCurve c(points_of(kFour), 4);
-    EXPECT_TRUE(same_bits(c.point(-5e-15), kFour[0]));
-    EXPECT_TRUE(same_bits(c.point(1.0 + 5e-15), kFour[3]));
+    m0BspCurve c(points_of(four_points), 4);
+    EXPECT_TRUE(same_bits(c.point(-5e-15), four_points[0]));
+    EXPECT_TRUE(same_bits(c.point(1.0 + 5e-15), four_points[3]));
 }
 
 TEST(m0BspCurve, Point_KnotRangeShorterThanProbeStep_ContinuationIsTheEndPoint)
@@ -232,7 +232,7 @@ TEST(m0BspCurve, Point_SingleControlPoint_ContinuationStaysAtIt)
 
 TEST(m0BspCurve, Point_ClosedCurve_WrapsParameterIntoKnotRange)
 {
-    m0BspCurve c(points_of(kSeven), 4);
+    m0BspCurve c(points_of(seven_points), 4);
     c.set_closed(1);
     EXPECT_TRUE(same_bits(c.point(1.25), c.point(0.25)));
     EXPECT_TRUE(same_bits(c.first_der(-0.75), c.first_der(0.25)));
@@ -241,7 +241,7 @@ TEST(m0BspCurve, Point_ClosedCurve_WrapsParameterIntoKnotRange)
 
 TEST(m0BspCurve, Point_ClosedCurveFarOutside_WrapsInOneStepAfterBoundedTurns)
 {
-    m0BspCurve c(points_of(kSeven), 4);
+    m0BspCurve c(points_of(seven_points), 4);
     c.set_closed(1);
     // A million periods away: stepping period by period would be slow, and at
     // 1e300 it would never end.
@@ -259,7 +259,7 @@ TEST(m0BspCurve, Point_ClosedCurveFarOutside_WrapsInOneStepAfterBoundedTurns)
 
 TEST(m0BspCurve, FirstDer_BeyondEndOfOpenCurve_ClampedToLastKnot)
 {
-    m0BspCurve c(points_of(kSeven), 4);
+    m0BspCurve c(points_of(seven_points), 4);
     EXPECT_TRUE(same_bits(c.first_der(1.7), c.first_der(1.0)));
     EXPECT_TRUE(same_bits(c.first_der(-0.3), c.first_der(0.0)));
     EXPECT_TRUE(same_bits(c.third_der(1.7), c.third_der(1.0)));
@@ -267,14 +267,14 @@ TEST(m0BspCurve, FirstDer_BeyondEndOfOpenCurve_ClampedToLastKnot)
 
 TEST(m0BspCurve, Derivatives_CubicBezier_MatchBernsteinForm)
 {
-    m0BspCurve c(points_of(kFour), 4);
+    m0BspCurve c(points_of(four_points), 4);
     const double t = 0.3;
     const double s = 1 - t;
-    const m03DPoint d1 = (kFour[1] - kFour[0]) * (3 * s * s) + (kFour[2] - kFour[1]) * (6 * s * t) +
-                         (kFour[3] - kFour[2]) * (3 * t * t);
-    const m03DPoint d2 = (kFour[2] - kFour[1] * 2.0 + kFour[0]) * (6 * s) +
-                         (kFour[3] - kFour[2] * 2.0 + kFour[1]) * (6 * t);
-    const m03DPoint d3 = (kFour[3] - kFour[2] * 3.0 + kFour[1] * 3.0 - kFour[0]) * 6.0;
+    const m03DPoint d1 = (four_points[1] - four_points[0]) * (3 * s * s) + (four_points[2] - four_points[1]) * (6 * s * t) +
+                         (four_points[3] - four_points[2]) * (3 * t * t);
+    const m03DPoint d2 = (four_points[2] - four_points[1] * 2.0 + four_points[0]) * (6 * s) +
+                         (four_points[3] - four_points[2] * 2.0 + four_points[1]) * (6 * t);
+    const m03DPoint d3 = (four_points[3] - four_points[2] * 3.0 + four_points[1] * 3.0 - four_points[0]) * 6.0;
     expect_near(c.first_der(t), d1, 1e-12);
     expect_near(c.second_der(t), d2, 1e-12);
     expect_near(c.third_der(t), d3, 1e-12);
@@ -337,7 +337,7 @@ TEST(m0BspCurve, Derivatives_RationalQuarterCircle_TangentAndCurvatureOfUnitCirc
 
 TEST(m0BspCurve, Tang_IsUnitFirstDerivativeAndTang0UnitForwardDifference)
 {
-    m0BspCurve c(points_of(kSeven), 4);
+    m0BspCurve c(points_of(seven_points), 4);
     const m03DPoint d = c.first_der(0.3);
     EXPECT_TRUE(same_bits(c.tang(0.3), d.single()));
     EXPECT_NEAR(c.tang(0.3).module(), 1.0, 1e-15);
@@ -375,7 +375,7 @@ TEST(m0BspCurve, Normal_PlanarCurve_PerpendicularToItsPlane)
 
 TEST(m0BspCurve, GetKnotInterval_ClampedKnots_SpanStartingAtOrBeforeT)
 {
-    m0BspCurve c(points_of(kSeven), 4);
+    m0BspCurve c(points_of(seven_points), 4);
     EXPECT_EQ(c.get_knot_interval(0.0), 3);
     EXPECT_EQ(c.get_knot_interval(0.25), 3);
     EXPECT_EQ(c.get_knot_interval(0.5), 6);  // a t on a knot belongs to the span starting there
@@ -427,30 +427,30 @@ TEST(m0BspCurve, Evaluation_ArraysShorterThanTheCurveNeeds_MissingIndicesContrib
 
 TEST(m0BspCurve, Evaluation_DegreeOutsideBound_GivesOrigin)
 {
-    std::vector<double> knots(2 * m0BspCurve::kMaxOrder + 2, 0.0);
+    std::vector<double> knots(2 * m0BspCurve::max_order + 2, 0.0);
     for (size_t i = knots.size() / 2; i < knots.size(); i++)
         knots[i] = 1.0;
-    std::vector<m03DPoint> cps(m0BspCurve::kMaxOrder + 1, m03DPoint(1, 1, 1));
-    m0BspCurve* c = make_curve(m0BspCurve::kMaxOrder, knots, cps);
+    std::vector<m03DPoint> cps(m0BspCurve::max_order + 1, m03DPoint(1, 1, 1));
+    m0BspCurve* c = make_curve(m0BspCurve::max_order, knots, cps);
     EXPECT_TRUE(same_bits(c->point(0.5), m03DPoint()));
     EXPECT_TRUE(same_bits(c->second_der(0.5), m03DPoint()));
     // One order lower is evaluated: a curve of equal points is that point.
-    c->set_degree(m0BspCurve::kMaxOrder - 1);
-    c->knot_vector()->set_size(2 * m0BspCurve::kMaxOrder);
-    c->knot_vector()->point(m0BspCurve::kMaxOrder) = 1.0;
-    c->cpnt_vector()->set_size(m0BspCurve::kMaxOrder);
+    c->set_degree(m0BspCurve::max_order - 1);
+    c->knot_vector()->set_size(2 * m0BspCurve::max_order);
+    c->knot_vector()->point(m0BspCurve::max_order) = 1.0;
+    c->cpnt_vector()->set_size(m0BspCurve::max_order);
     expect_near(c->point(0.5), m03DPoint(1, 1, 1), 1e-12);
     c->set_degree(-1);
     EXPECT_TRUE(same_bits(c->point(0.5), m03DPoint()));
     EXPECT_EQ(c->get_knot_interval(0.5), -1);
     delete c;
     EXPECT_EQ(m0BspCurve::get_base_function(knots.data(), 4, 0, 0.5, 0), 0.0);
-    EXPECT_EQ(m0BspCurve::get_base_function(knots.data(), 4, m0BspCurve::kMaxOrder + 1, 0.5, 0), 0.0);
+    EXPECT_EQ(m0BspCurve::get_base_function(knots.data(), 4, m0BspCurve::max_order + 1, 0.5, 0), 0.0);
 }
 
 TEST(m0BspCurve, Projection_PointOnCurve_ReturnsItsParameter)
 {
-    m0BspCurve c(points_of(kSeven), 4);
+    m0BspCurve c(points_of(seven_points), 4);
     for (double t = 0.05; t < 1.0; t += 0.1) {
         const double found = c.projection(c.point(t));
         EXPECT_NEAR(found, t, 1e-5) << t;
@@ -460,8 +460,8 @@ TEST(m0BspCurve, Projection_PointOnCurve_ReturnsItsParameter)
 
 TEST(m0BspCurve, Projection_BeyondEndOfOpenCurve_ReturnsLastKnotOrAboveWhenExtended)
 {
-    m0BspCurve c(points_of(kFour), 4);
-    const m03DPoint beyond = kFour[3] + (kFour[3] - kFour[2]).single() * 2.0;
+    m0BspCurve c(points_of(four_points), 4);
+    const m03DPoint beyond = four_points[3] + (four_points[3] - four_points[2]).single() * 2.0;
     EXPECT_DOUBLE_EQ(c.projection(beyond), 1.0);
     c.set_extended(1);
     const double t = c.projection(beyond);
