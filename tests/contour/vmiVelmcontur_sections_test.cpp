@@ -16,6 +16,7 @@
 #include "curves/m03DVector.h"
 #include "grid/vmiBaseGrid.h"
 #include "tests/support/contourText.h"
+#include "tests/support/testGrid.h"
 
 namespace {
 
@@ -57,16 +58,6 @@ void rectangle(double x0, double y0, double x1, double y1, std::vector<double>& 
     side(x0, y1, x0, y0);
     x.push_back(x0);
     y.push_back(y0);
-}
-
-// A base grid of nx x ny nodes at spacing d, every node at height z.
-vmiBaseGrid* flat_base(int nx, int ny, double d, double z)
-{
-    vmiBaseGrid* g = new vmiBaseGrid(nx, ny, d, d);
-    for (int j = 0; j < ny; ++j)
-        for (int i = 0; i < nx; ++i)
-            g->point(i, j, m03DPoint(i * d, j * d, z));
-    return g;
 }
 
 vmiObjGrid* finish_model(vmiVelmcontur& doc)
@@ -185,7 +176,7 @@ TEST(vmiVelmcontur, HContour2_TrimsTheWorkingGridToTheOutline)
     std::vector<double> x, y;
     rectangle(50, 60, 110, 200, x, y);
     auto doc
-        = parse(contour_text().hcontour2("c", x, y).end().text(), 4, flat_base(101, 201, 1.0, 5.0));
+        = parse(contour_text().hcontour2("c", x, y).end().text(), 4, flat_grid(101, 201, 5.0).release());
     ASSERT_NE(doc->contour_map(), nullptr);
     EXPECT_TRUE(doc->contour_map()->is_inside_the_cros_map(80, 100));
     EXPECT_FALSE(doc->contour_map()->is_inside_the_cros_map(120, 100));
@@ -207,7 +198,7 @@ TEST(vmiVelmcontur, HContour2_FinishModelTakesTheWorkingGridAndReleasesTheBaseGr
     std::vector<double> x, y;
     rectangle(50, 60, 110, 200, x, y);
     auto doc = parse(contour_text().hcontour2("c", x, y).end().text(), 12,
-                     flat_base(101, 201, 1.0, 5.0));
+                     flat_grid(101, 201, 5.0).release());
     ASSERT_EQ(doc->no_of_objects(), 1);
     vmiObject* o = doc->object(0);
     EXPECT_EQ(o->type(), 1);

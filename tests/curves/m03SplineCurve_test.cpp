@@ -17,22 +17,6 @@ namespace {
 
 using Pts = std::vector<m03DPoint>;
 
-m03DVector* make_points(const Pts& pts)
-{
-    auto* v = new m03DVector(static_cast<int>(pts.size()));
-    for (int i = 0; i < static_cast<int>(pts.size()); ++i)
-        v->set_point(i, pts[i]);
-    return v;
-}
-
-m01DVector* make_values(const std::vector<double>& values)
-{
-    auto* v = new m01DVector(static_cast<int>(values.size()));
-    for (int i = 0; i < static_cast<int>(values.size()); ++i)
-        v->set_point(i, values[i]);
-    return v;
-}
-
 double dist(const m03DPoint& a, const m03DPoint& b) { return (a - b).module(); }
 
 // The larger of the two, and NaN as soon as either is NaN (std::max would drop it).
@@ -238,7 +222,7 @@ std::vector<m03DPoint> swept_closed(const Pts& p, const std::vector<double>& u, 
 
 TEST(m03SplineCurve, ChordLengthParams_NormalisedAccumulatedChords)
 {
-    m03SplineCurve s(make_points({{0, 0, 0}, {3, 4, 0}, {3, 4, 5}, {3, 4, 15}}));
+    m03SplineCurve s(points_of({{0, 0, 0}, {3, 4, 0}, {3, 4, 5}, {3, 4, 15}}));
     m01DVector* u = s.params_vector();
     ASSERT_NE(u, nullptr);
     ASSERT_EQ(u->size(), 4);
@@ -251,7 +235,7 @@ TEST(m03SplineCurve, ChordLengthParams_NormalisedAccumulatedChords)
 TEST(m03SplineCurve, TwoPoints_CubicWithThirdChordTangentsAndChordMidpointAtHalf)
 {
     m03DPoint p0(1, 2, 3), p1(4, -2, 9);
-    m03SplineCurve s(make_points({p0, p1}));
+    m03SplineCurve s(points_of({p0, p1}));
     ASSERT_NE(s.tangents_vector(), nullptr);
     expect_same(s.tangents_vector()->point(0), (p1 - p0) / 3.0);
     expect_same(s.tangents_vector()->point(1), (p1 - p0) / 3.0);
@@ -270,7 +254,7 @@ TEST(m03SplineCurve, OpenEndTangents_OneThirdOfEndChordsNotScaledByParameterStep
     // Uneven chords: a tangent scaled by the parameter step would be chord / h, far
     // larger than chord / 3.
     Pts p = {{0, 0, 0}, {1, 0, 0}, {1, 5, 0}, {1, 5, 2}};
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     ASSERT_NE(s.tangents_vector(), nullptr);
     expect_same(s.tangents_vector()->point(0), (p[1] - p[0]) / 3.0);
     expect_same(s.tangents_vector()->point(3), (p[3] - p[2]) / 3.0);
@@ -282,7 +266,7 @@ TEST(m03SplineCurve, CollinearEvenPoints_TangentsParallelAndCurveStaysOnLine)
     Pts p;
     for (int i = 0; i < 6; ++i)
         p.push_back(m03DPoint(1, 1, 1) + dir * i);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     ASSERT_NE(s.tangents_vector(), nullptr);
     for (int i = 0; i < 6; ++i)
         EXPECT_LT((s.tangents_vector()->point(i) * dir).module(), 1e-12) << i;
@@ -296,7 +280,7 @@ TEST(m03SplineCurve, OpenTangents_SatisfyInteriorEquationsLikeDenseSolve)
 {
     Pts p = wavy_points(9);
     std::vector<double> u = chord_params(p);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     std::vector<m03DPoint> ref = dense_open(p, u, (p[1] - p[0]) / 3.0, (p[8] - p[7]) / 3.0);
     for (int i = 0; i < 9; ++i)
         EXPECT_LT(dist(s.tangents_vector()->point(i), ref[i]), 1e-12) << i;
@@ -307,7 +291,7 @@ TEST(m03SplineCurve, LongOpenSpline_RescaledDivisionFreeSweepMatchesDenseSolve)
     // Without rescaling, products of 500 pivots of about 1e-2 underflow to zero.
     Pts p = wavy_points(500);
     std::vector<double> u = chord_params(p);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     std::vector<m03DPoint> ref = dense_open(p, u, (p[1] - p[0]) / 3.0, (p[499] - p[498]) / 3.0);
     double worst = 0.0;
     for (int i = 0; i < 500; ++i)
@@ -324,7 +308,7 @@ TEST(m03SplineCurve, LongOpenSplineOnWideParams_RescaledSweepMatchesDenseSolve)
     for (int i = 0; i < 300; ++i)
         u.push_back(1000.0 * i + 300.0 * std::sin(0.9 * i));
     m03DPoint ts(1, 0.5, 0), te(-0.2, 1, 3);
-    m03SplineCurve s(make_points(p), make_values(u), ts, te);
+    m03SplineCurve s(points_of(p), values_of(u), ts, te);
     ASSERT_NE(s.tangents_vector(), nullptr);
     std::vector<m03DPoint> ref = dense_open(p, u, ts, te);
     double worst = 0.0;
@@ -337,7 +321,7 @@ TEST(m03SplineCurve, OpenZeroDiagonal_GivesZeroTangent)
 {
     // Parameters 0, 1, 0: the middle row's diagonal 2 (hL + hR) is exactly 0.
     m03DPoint ts(1, 2, 3), te(-1, 0, 4);
-    m03SplineCurve s(make_points({{0, 0, 0}, {1, 0, 0}, {2, 1, 0}}), make_values({0.0, 1.0, 0.0}), ts, te);
+    m03SplineCurve s(points_of({{0, 0, 0}, {1, 0, 0}, {2, 1, 0}}), values_of({0.0, 1.0, 0.0}), ts, te);
     ASSERT_NE(s.tangents_vector(), nullptr);
     expect_same(s.tangents_vector()->point(0), ts);
     expect_same(s.tangents_vector()->point(1), m03DPoint(0, 0, 0));
@@ -349,7 +333,7 @@ TEST(m03SplineCurve, GivenParamsAndEndTangents_UsedAsGiven)
     Pts p = wavy_points(5);
     std::vector<double> u = {0.0, 0.5, 1.25, 2.0, 4.0};
     m03DPoint ts(0.5, 0.1, -1), te(2, 2, 2);
-    m03SplineCurve s(make_points(p), make_values(u), ts, te);
+    m03SplineCurve s(points_of(p), values_of(u), ts, te);
     std::vector<m03DPoint> ref = dense_open(p, u, ts, te);
     for (int i = 0; i < 5; ++i)
         EXPECT_LT(dist(s.tangents_vector()->point(i), ref[i]), 1e-12) << i;
@@ -360,7 +344,7 @@ TEST(m03SplineCurve, GivenParamsAndEndTangents_UsedAsGiven)
 TEST(m03SplineCurve, ClosedSquare_TangentsEqualLengthParallelToNeighbourDiagonal)
 {
     Pts p = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 0}};
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     m03DVector* t = s.tangents_vector();
     ASSERT_NE(t, nullptr);
     ASSERT_EQ(t->size(), 5);
@@ -384,7 +368,7 @@ TEST(m03SplineCurve, ClosedLongerLastSegment_LastRowCouplesToT0WithHN)
     Pts p = {{0, 0, 0}, {2, 0, 0.5}, {3, 1, 0}, {3, 2, 0.3}, {2.2, 2.6, 0}, {0, 0, 0}};
     std::vector<double> u = chord_params(p);
     ASSERT_GT(u[5] - u[4], u[4] - u[3]);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     ASSERT_NE(s.tangents_vector(), nullptr);
     std::vector<m03DPoint> designed = dense_closed(p, u, true);
     std::vector<m03DPoint> textbook = dense_closed(p, u, false);
@@ -401,7 +385,7 @@ TEST(m03SplineCurve, ClosedFourPoints_SmallestLoopSolvedLikeDenseSolve)
 {
     Pts p = {{0, 0, 0}, {2, 0, 1}, {0.5, 1.5, 0}, {0, 0, 0}};
     std::vector<double> u = chord_params(p);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     ASSERT_NE(s.tangents_vector(), nullptr);
     std::vector<m03DPoint> ref = dense_closed(p, u, true);
     for (int i = 0; i < 3; ++i)
@@ -418,7 +402,7 @@ TEST(m03SplineCurve, LongClosedSpline_RescaledSweepsMatchDenseSolve)
     }
     p.push_back(p[0]);
     std::vector<double> u = chord_params(p);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     ASSERT_NE(s.tangents_vector(), nullptr);
     std::vector<m03DPoint> ref = dense_closed(p, u, true);
     double worst = 0.0;
@@ -440,7 +424,7 @@ TEST(m03SplineCurve, LongClosedSpline_ForwardSweepRescalesByTheLargestEntryOfARo
                        0.1 * std::sin(7 * a));
     }
     p.push_back(p[0]);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     ASSERT_NE(s.tangents_vector(), nullptr);
     m01DVector* params = s.params_vector();
     std::vector<double> u(params->get_data_pointer(), params->get_data_pointer() + params->size());
@@ -456,7 +440,7 @@ TEST(m03SplineCurve, LongClosedSpline_ForwardSweepRescalesByTheLargestEntryOfARo
 
 TEST(m03SplineCurve, ClosedWithThreePoints_NoTangentsNoBsplineAndEvaluatesAsPolyline)
 {
-    m03SplineCurve s(make_points({{0, 0, 0}, {2, 0, 0}, {0, 0, 0}}));
+    m03SplineCurve s(points_of({{0, 0, 0}, {2, 0, 0}, {0, 0, 0}}));
     EXPECT_EQ(s.tangents_vector(), nullptr);
     EXPECT_EQ(s.bsp_curve(), nullptr);
     EXPECT_EQ(s.approximate(0.01), nullptr);
@@ -469,7 +453,7 @@ TEST(m03SplineCurve, ClosedCoincidentPoints_ZeroDiagonalGivesZeroTangents)
     // Three coincident points inside the loop make two parameter steps of 0: the
     // rows between them have a zero diagonal, and their tangents are zero instead
     // of the 0/0 of their right sides.
-    m03SplineCurve s(make_points({{0, 0, 0}, {1, 0, 0}, {1, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}}));
+    m03SplineCurve s(points_of({{0, 0, 0}, {1, 0, 0}, {1, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}}));
     ASSERT_NE(s.tangents_vector(), nullptr);
     bool any_zero = false;
     for (int i = 0; i < 6; ++i) {
@@ -483,7 +467,7 @@ TEST(m03SplineCurve, ClosedCoincidentPoints_ZeroDiagonalGivesZeroTangents)
 TEST(m03SplineCurve, WithoutTangents_EvaluatesAsPolylineThroughPoints)
 {
     // A closed loop of three points has no tangents; it runs to (4, 2, 0) and back.
-    m03SplineCurve loop(make_points({{0, 0, 0}, {4, 2, 0}, {0, 0, 0}}));
+    m03SplineCurve loop(points_of({{0, 0, 0}, {4, 2, 0}, {0, 0, 0}}));
     ASSERT_EQ(loop.tangents_vector(), nullptr);
     for (int k = 0; k <= 8; ++k) {
         double t = k / 8.0;
@@ -495,7 +479,7 @@ TEST(m03SplineCurve, WithoutTangents_EvaluatesAsPolylineThroughPoints)
 TEST(m03SplineCurve, HermiteSegment_MatchesCubicHermiteBasis)
 {
     Pts p = wavy_points(5);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     m01DVector* u = s.params_vector();
     m03DVector* t = s.tangents_vector();
     for (int seg = 0; seg < 4; ++seg) {
@@ -513,7 +497,7 @@ TEST(m03SplineCurve, HermiteSegment_MatchesCubicHermiteBasis)
 
 TEST(m03SplineCurve, SegmentOutOfRange_GivesOrigin)
 {
-    m03SplineCurve s(make_points(wavy_points(4)));
+    m03SplineCurve s(points_of(wavy_points(4)));
     expect_same(s.point(-1, 0.1), m03DPoint());
     expect_same(s.point(3, 0.1), m03DPoint());
     expect_same(s.point(std::numeric_limits<int>::max(), 0.1), m03DPoint());
@@ -522,7 +506,7 @@ TEST(m03SplineCurve, SegmentOutOfRange_GivesOrigin)
 TEST(m03SplineCurve, PointAtOne_IsLastPoint)
 {
     Pts p = wavy_points(7);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     EXPECT_LT(dist(s.point(1.0), p[6]), 1e-13);
     expect_same(s.point(0.0), p[0]);
 }
@@ -532,7 +516,7 @@ TEST(m03SplineCurve, Point0AtPointParameter_EvaluatedOnSegmentThatEndsThere)
     // Find data where the end of segment s and the start of segment s + 1 differ in
     // the last bits, so that the tie is visible.
     Pts p = wavy_points(7);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     m01DVector* u = s.params_vector();
     int checked = 0;
     for (int i = 1; i <= 5; ++i) {
@@ -550,7 +534,7 @@ TEST(m03SplineCurve, Point0AtPointParameter_EvaluatedOnSegmentThatEndsThere)
 TEST(m03SplineCurve, PointOfFraction_MapsOntoParameterRange)
 {
     Pts p = wavy_points(5);
-    m03SplineCurve s(make_points(p), make_values({2.0, 2.5, 3.0, 4.0, 6.0}), m03DPoint(1, 0, 0), m03DPoint(0, 1, 0));
+    m03SplineCurve s(points_of(p), values_of({2.0, 2.5, 3.0, 4.0, 6.0}), m03DPoint(1, 0, 0), m03DPoint(0, 1, 0));
     for (int k = 0; k <= 10; ++k) {
         double t = k / 10.0;
         expect_same(s.point(t), s.point0(2.0 + (6.0 - 2.0) * t));
@@ -560,7 +544,7 @@ TEST(m03SplineCurve, PointOfFraction_MapsOntoParameterRange)
 TEST(m03SplineCurve, OutsideRange_ExtrapolatesEndSegmentCubics)
 {
     Pts p = wavy_points(5);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     m01DVector* u = s.params_vector();
     expect_same(s.point0(-0.2), s.point(0, -0.2));
     expect_same(s.point0(1.3), s.point(3, 1.3 - u->point(3)));
@@ -570,8 +554,8 @@ TEST(m03SplineCurve, OutsideRange_ExtrapolatesEndSegmentCubics)
 TEST(m03SplineCurve, Reverse_PointAtTEqualsPointAtOneMinusTBefore)
 {
     Pts p = wavy_points(8);
-    m03SplineCurve before(make_points(p));
-    m03SplineCurve after(make_points(p));
+    m03SplineCurve before(points_of(p));
+    m03SplineCurve after(points_of(p));
     after.reverse();
     EXPECT_EQ(after.params_vector()->point(0), 0.0);
     EXPECT_EQ(after.params_vector()->point(7), 1.0);
@@ -610,7 +594,7 @@ TEST(m03SplineCurve, NoPoints_EvaluatesToOriginAndHasNoBspline)
 
 TEST(m03SplineCurve, OnePoint_EvaluatesToThatPointAndHasNoBspline)
 {
-    m03SplineCurve s(make_points({{1, 2, 3}}));
+    m03SplineCurve s(points_of({{1, 2, 3}}));
     EXPECT_EQ(s.tangents_vector(), nullptr);
     expect_same(s.point(0.5), m03DPoint(1, 2, 3));
     expect_same(s.point0(7.0), m03DPoint(1, 2, 3));
@@ -622,11 +606,11 @@ TEST(m03SplineCurve, OnePoint_EvaluatesToThatPointAndHasNoBspline)
 
 TEST(m03SplineCurve, ParamsOfOtherSize_NoTangentsAndEvaluatesToOrigin)
 {
-    m03SplineCurve s(make_points(wavy_points(4)), make_values({0.0, 1.0}), m03DPoint(), m03DPoint());
+    m03SplineCurve s(points_of(wavy_points(4)), values_of({0.0, 1.0}), m03DPoint(), m03DPoint());
     EXPECT_EQ(s.tangents_vector(), nullptr);
     expect_same(s.point(0.5), m03DPoint());
     EXPECT_EQ(s.bsp_curve(), nullptr);
-    m03SplineCurve n(make_points(wavy_points(4)), nullptr, m03DPoint(), m03DPoint());
+    m03SplineCurve n(points_of(wavy_points(4)), nullptr, m03DPoint(), m03DPoint());
     expect_same(n.point(0.5), m03DPoint());
     EXPECT_EQ(n.rnxNurbCurve(), nullptr);
 }
@@ -635,7 +619,7 @@ TEST(m03SplineCurve, AllPointsCoincident_NoCrashAndHostCurveNotValid)
 {
     // Zero total chord: the parameters are 0/0, which is left unguarded; what
     // comes out must still be safe to evaluate and must not pass as a curve.
-    m03SplineCurve s(make_points({{1, 1, 1}, {1, 1, 1}, {1, 1, 1}, {1, 1, 1}}));
+    m03SplineCurve s(points_of({{1, 1, 1}, {1, 1, 1}, {1, 1, 1}, {1, 1, 1}}));
     (void)s.point(0.3);
     (void)s.point0(0.7);
     std::unique_ptr<rnxNurbCurve3> c(s.rnxNurbCurve());
@@ -650,7 +634,7 @@ TEST(m03SplineCurve, NaNCoordinates_NoCrashAndHostCurveNotValid)
     for (int where = 0; where < 5; ++where) {
         Pts p = wavy_points(5);
         p[where].set_y(nan);
-        m03SplineCurve s(make_points(p));
+        m03SplineCurve s(points_of(p));
         (void)s.point(0.5);
         (void)s.point0(nan);
         std::unique_ptr<rnxNurbCurve3> c(s.rnxNurbCurve());
@@ -662,7 +646,7 @@ TEST(m03SplineCurve, NaNCoordinates_NoCrashAndHostCurveNotValid)
 
 TEST(m03SplineCurve, NaNParameter_EvaluatesWithoutLeavingSegments)
 {
-    m03SplineCurve s(make_points(wavy_points(6)));
+    m03SplineCurve s(points_of(wavy_points(6)));
     m03DPoint q = s.point0(std::numeric_limits<double>::quiet_NaN());
     EXPECT_TRUE(std::isnan(q.x()));
     (void)s.point(std::numeric_limits<double>::infinity());
@@ -672,7 +656,7 @@ TEST(m03SplineCurve, NaNParameter_EvaluatesWithoutLeavingSegments)
 TEST(m03SplineCurve, BspCurveOnThreePoints_SevenControlPointsKnotsAndTracesSpline)
 {
     Pts p = {{0, 0, 0}, {1, 2, 0.5}, {4, 2.5, -1}};
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     std::unique_ptr<m0BspCurve> c(s.bsp_curve());
     ASSERT_NE(c, nullptr);
     double u1 = s.params_vector()->point(1);
@@ -697,7 +681,7 @@ TEST(m03SplineCurve, BspCurveOnThreePoints_SevenControlPointsKnotsAndTracesSplin
 TEST(m03SplineCurve, BspCurve_TracesLongerSplineExactly)
 {
     Pts p = wavy_points(12);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     std::unique_ptr<m0BspCurve> c(s.bsp_curve());
     ASSERT_NE(c, nullptr);
     EXPECT_EQ(c->no_of_cpnt(), 34);
@@ -711,7 +695,7 @@ TEST(m03SplineCurve, BspCurve_TracesLongerSplineExactly)
 TEST(m03SplineCurve, BspKnots_MappedOntoParameterRangeLowToHigh)
 {
     Pts p = wavy_points(3);
-    m03SplineCurve s(make_points(p), make_values({2.0, 3.0, 5.0}), m03DPoint(1, 0, 0), m03DPoint(0, 0, 1));
+    m03SplineCurve s(points_of(p), values_of({2.0, 3.0, 5.0}), m03DPoint(1, 0, 0), m03DPoint(0, 0, 1));
     std::unique_ptr<m0BspCurve> c(s.bsp_curve());
     ASSERT_NE(c, nullptr);
     std::vector<double> expect = {2, 2, 2, 2, 3, 3, 3, 5, 5, 5, 5};
@@ -722,7 +706,7 @@ TEST(m03SplineCurve, BspKnots_MappedOntoParameterRangeLowToHigh)
         EXPECT_LT(dist(c->point(u), s.point0(u)), 1e-11) << u;
     }
     // Decreasing parameters still give knots from the lower to the higher end.
-    m03SplineCurve d(make_points(p), make_values({1.0, 0.5, 0.0}), m03DPoint(1, 0, 0), m03DPoint(0, 0, 1));
+    m03SplineCurve d(points_of(p), values_of({1.0, 0.5, 0.0}), m03DPoint(1, 0, 0), m03DPoint(0, 0, 1));
     std::unique_ptr<m0BspCurve> e(d.bsp_curve());
     ASSERT_NE(e, nullptr);
     std::vector<double> mapped = {0, 0, 0, 0, 0.5, 0.5, 0.5, 1, 1, 1, 1};
@@ -733,7 +717,7 @@ TEST(m03SplineCurve, BspKnots_MappedOntoParameterRangeLowToHigh)
 TEST(m03SplineCurve, BspCurve_ClosedSplineClosesWithOpenFlags)
 {
     Pts p = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 0}};
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     std::unique_ptr<m0BspCurve> c(s.bsp_curve());
     ASSERT_NE(c, nullptr);
     EXPECT_EQ(c->closed(), 0);
@@ -772,7 +756,7 @@ TEST(m03SplineCurve, BspCurve_MaxSegmentsStillConverted)
 TEST(m03SplineCurve, Approximate_PolylineOnSplineFromStartToEnd)
 {
     Pts p = wavy_points(6);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     std::unique_ptr<m03DVector> poly(s.approximate(0.001));
     ASSERT_NE(poly, nullptr);
     ASSERT_GE(poly->size(), 10);
@@ -793,7 +777,7 @@ TEST(m03SplineCurve, Approximate_PolylineOnSplineFromStartToEnd)
 TEST(m03SplineCurve, RnxNurbCurve_CubicFromBsplineFormWithoutWeights)
 {
     Pts p = wavy_points(5);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     std::unique_ptr<m0BspCurve> c(s.bsp_curve());
     std::unique_ptr<rnxNurbCurve3> h(s.rnxNurbCurve());
     ASSERT_NE(c, nullptr);

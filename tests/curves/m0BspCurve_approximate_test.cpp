@@ -16,31 +16,6 @@ public:
 
 namespace {
 
-m03DVector* points_of(const std::vector<m03DPoint>& pts)
-{
-    auto* v = new m03DVector(static_cast<int>(pts.size()));
-    for (int i = 0; i < static_cast<int>(pts.size()); i++)
-        v->set_point(i, pts[i]);
-    return v;
-}
-
-m01DVector* values_of(const std::vector<double>& vals)
-{
-    auto* v = new m01DVector(static_cast<int>(vals.size()));
-    for (int i = 0; i < static_cast<int>(vals.size()); i++)
-        v->set_point(i, vals[i]);
-    return v;
-}
-
-m0BspCurve* make_curve(int degree, const std::vector<double>& knots, const std::vector<m03DPoint>& cps)
-{
-    auto* c = new m0BspCurve();
-    c->set_degree(degree);
-    c->set_knot_vector(values_of(knots));
-    c->set_cpnt_vector(points_of(cps));
-    return c;
-}
-
 bool contains_bits(const m03DVector& v, const m03DPoint& p)
 {
     for (int i = 0; i < v.size(); i++)

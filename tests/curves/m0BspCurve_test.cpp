@@ -10,36 +10,6 @@
 
 namespace {
 
-m03DVector* points_of(const std::vector<m03DPoint>& pts)
-{
-    auto* v = new m03DVector(static_cast<int>(pts.size()));
-    for (int i = 0; i < static_cast<int>(pts.size()); i++)
-        v->set_point(i, pts[i]);
-    return v;
-}
-
-m01DVector* values_of(const std::vector<double>& vals)
-{
-    auto* v = new m01DVector(static_cast<int>(vals.size()));
-    for (int i = 0; i < static_cast<int>(vals.size()); i++)
-        v->set_point(i, vals[i]);
-    return v;
-}
-
-// A curve filled through the setters, as the builders of the library do it.
-m0BspCurve* make_curve(int degree, const std::vector<double>& knots, const std::vector<m03DPoint>& cps,
-                       const std::vector<double>& weights = {})
-{
-    auto* c = new m0BspCurve();
-    c->set_degree(degree);
-    c->set_no_of_cpnt(static_cast<int>(cps.size()));
-    c->set_knot_vector(values_of(knots));
-    c->set_cpnt_vector(points_of(cps));
-    if (!weights.empty())
-        c->set_weight_vector(values_of(weights));
-    return c;
-}
-
 void expect_near(const m03DPoint& a, const m03DPoint& b, double tol)
 {
     EXPECT_NEAR(a.x(), b.x(), tol);
