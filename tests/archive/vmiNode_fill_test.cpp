@@ -409,7 +409,6 @@ TEST(vmiFile, FillNode_RecordsWhosePointsWouldPassTheTreesBudgetAreSkipped)
     // The budget is lowered to 10 points: two 2 x 2 scans fit, a third scan
     // and the image do not, nor does a model with its grids.
     vmiFile f;
-    EXPECT_EQ(vmiFile::max_tree_points, 1LL << 24);
     f.set_point_budget(10);
     process(f, {{5, scan()}, {6, image()}, {8, design()}},
             groups()
@@ -432,4 +431,19 @@ TEST(vmiFile, FillNode_RecordsWhosePointsWouldPassTheTreesBudgetAreSkipped)
             groups().level3(1, 1, 0, 101, "big", "", "", 5).level3(1, 2, 0, 101, "small", "", "", 6));
     EXPECT_EQ(g.find_node(utString("SCAN_(LEFT)_big")), nullptr);
     EXPECT_EQ(only_object(g.find_node(utString("SCAN_(LEFT)_small")))->level(), 10);
+}
+
+TEST(vmiFile, FillNode_RecordFillingTheBudgetExactlyIsTakenAndOnePointPastIsNot)
+{
+    // Two 2 x 2 scans hold 8 points: with a budget of 8 both are taken, with
+    // 7 the second is not.
+    for (long long budget : {8LL, 7LL}) {
+        vmiFile f;
+        f.set_point_budget(budget);
+        process(f, {{5, scan()}},
+                groups().level3(1, 1, 0, 101, "a", "", "", 5).level3(1, 2, 0, 101, "b", "", "", 5));
+        EXPECT_NE(f.find_node(utString("SCAN_(LEFT)_a")), nullptr) << budget;
+        EXPECT_EQ(f.find_node(utString("SCAN_(LEFT)_b")) != nullptr, budget == 8) << budget;
+        EXPECT_EQ(f.tree_points(), budget == 8 ? 8 : 4) << budget;
+    }
 }
