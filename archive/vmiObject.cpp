@@ -5,10 +5,44 @@
 #include "archive/vmiObjPoly.h"
 #include "archive/vmiObjSpline.h"
 
+#include <new>
+
 vmiObject::vmiObject(vmiObjGrid* record) : type_(grid_type), record_(record) {}
 vmiObject::vmiObject(vmiObjPoly* record) : type_(polyline_type), record_(record) {}
 vmiObject::vmiObject(vmiObjCloud* record) : type_(cloud_type), record_(record) {}
 vmiObject::vmiObject(vmiObjSpline* record) : type_(spline_type), record_(record) {}
+
+namespace {
+
+template <class Record>
+vmiObject* wrap_record(Record* record)
+{
+    if (!record)
+        return nullptr;
+    vmiObject* object = new (std::nothrow) vmiObject(record);
+    if (!object)
+        delete record;
+    return object;
+}
+
+}  // namespace
+
+vmiObject* vmiObject::wrap(vmiObjGrid* record)
+{
+    return wrap_record(record);
+}
+vmiObject* vmiObject::wrap(vmiObjPoly* record)
+{
+    return wrap_record(record);
+}
+vmiObject* vmiObject::wrap(vmiObjCloud* record)
+{
+    return wrap_record(record);
+}
+vmiObject* vmiObject::wrap(vmiObjSpline* record)
+{
+    return wrap_record(record);
+}
 
 vmiObject::~vmiObject()
 {

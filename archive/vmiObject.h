@@ -24,6 +24,13 @@ public:
     explicit vmiObject(vmiObjSpline* record);
     ~vmiObject();
     vmiObject(const vmiObject&) = delete;
+    // A new handle owning record; null for a null record, and null with the
+    // record deleted when the handle cannot be allocated. Readers and
+    // documents wrap their records with these alone.
+    static vmiObject* wrap(vmiObjGrid* record);
+    static vmiObject* wrap(vmiObjPoly* record);
+    static vmiObject* wrap(vmiObjCloud* record);
+    static vmiObject* wrap(vmiObjSpline* record);
     vmiObject& operator=(const vmiObject&) = delete;
 
     int type() const { return type_; }

@@ -45,16 +45,16 @@ void label(benchmark::State& state)
     state.SetLabel(state.range(0) == 0 ? "table" : "recursion");
 }
 
-constexpr int kSamples = 1000;
+constexpr int sample_count = 1000;
 
 void BM_Point(benchmark::State& state)
 {
     m0BspCurve* c = make_curve(static_cast<int>(state.range(1)), false, method_of(state));
     for (auto _ : state) {
-        for (int i = 0; i < kSamples; i++)
-            benchmark::DoNotOptimize(c->point(i / double(kSamples)));
+        for (int i = 0; i < sample_count; i++)
+            benchmark::DoNotOptimize(c->point(i / double(sample_count)));
     }
-    state.SetItemsProcessed(state.iterations() * kSamples);
+    state.SetItemsProcessed(state.iterations() * sample_count);
     label(state);
     delete c;
 }
@@ -63,10 +63,10 @@ void BM_PointRational(benchmark::State& state)
 {
     m0BspCurve* c = make_curve(static_cast<int>(state.range(1)), true, method_of(state));
     for (auto _ : state) {
-        for (int i = 0; i < kSamples; i++)
-            benchmark::DoNotOptimize(c->point(i / double(kSamples)));
+        for (int i = 0; i < sample_count; i++)
+            benchmark::DoNotOptimize(c->point(i / double(sample_count)));
     }
-    state.SetItemsProcessed(state.iterations() * kSamples);
+    state.SetItemsProcessed(state.iterations() * sample_count);
     label(state);
     delete c;
 }
@@ -75,10 +75,10 @@ void BM_ThirdDer(benchmark::State& state)
 {
     m0BspCurve* c = make_curve(static_cast<int>(state.range(1)), true, method_of(state));
     for (auto _ : state) {
-        for (int i = 0; i < kSamples; i++)
-            benchmark::DoNotOptimize(c->third_der(i / double(kSamples)));
+        for (int i = 0; i < sample_count; i++)
+            benchmark::DoNotOptimize(c->third_der(i / double(sample_count)));
     }
-    state.SetItemsProcessed(state.iterations() * kSamples);
+    state.SetItemsProcessed(state.iterations() * sample_count);
     label(state);
     delete c;
 }

@@ -386,33 +386,17 @@ void vmiVelmcontur::read_array(IntArray& array, const long long& count)
     array.count = array.values ? static_cast<int>(count) : 0;
 }
 
-namespace {
-
-// Wraps a record in a new object; the record is released when the wrapper
-// cannot be made.
-template <class Record> vmiObject* wrap(Record* record)
-{
-    if (!record)
-        return nullptr;
-    vmiObject* object = new (std::nothrow) vmiObject(record);
-    if (!object)
-        delete record;
-    return object;
-}
-
-}  // namespace
-
 void vmiVelmcontur::add(vmiObjGrid* object)
 {
-    add(wrap(object));
+    add(vmiObject::wrap(object));
 }
 void vmiVelmcontur::add(vmiObjPoly* object)
 {
-    add(wrap(object));
+    add(vmiObject::wrap(object));
 }
 void vmiVelmcontur::add(vmiObjSpline* object)
 {
-    add(wrap(object));
+    add(vmiObject::wrap(object));
 }
 
 void vmiVelmcontur::add(vmiObject* object)

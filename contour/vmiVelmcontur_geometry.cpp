@@ -57,7 +57,7 @@ m03DPoint* vmiVelmcontur::create_polyline(double* x, double* y, double* z, const
 // which pass into the curve. When no curve is made they stay the caller's.
 m0BspCurve* vmiVelmcontur::create_bsp_curve(m03DVector* points, const int& order)
 {
-    if (!points || points->size() < 1 || order < 2 || order > m0BspCurve::kMaxOrder)
+    if (!points || points->size() < 1 || order < 2 || order > m0BspCurve::max_order)
         return nullptr;
     return new (std::nothrow) m0BspCurve(points, order);
 }

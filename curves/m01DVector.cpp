@@ -9,10 +9,10 @@ namespace {
 
 // A value is appended to a trimmed parameter list only when it exceeds the last
 // appended value by more than this.
-constexpr double kParamStep = 1e-6;
+constexpr double param_step = 1e-6;
 // A closed curve's start below its first parameter by less than this is taken as
 // the first parameter instead of being moved on by a period.
-constexpr double kSeamSnap = 1e-7;
+constexpr double seam_snap = 1e-7;
 
 double* new_values(int n)
 {
@@ -23,13 +23,13 @@ double* new_values(int n)
     return new (std::nothrow) double[n]();
 }
 
-// Appends v when it exceeds the last written value by more than kParamStep and
+// Appends v when it exceeds the last written value by more than param_step and
 // there is room; the first value is always written.
 void append_increasing(double* out, int capacity, int& count, double v)
 {
     if (count >= capacity)
         return;
-    if (count == 0 || v - out[count - 1] > kParamStep)
+    if (count == 0 || v - out[count - 1] > param_step)
         out[count++] = v;
 }
 
@@ -110,7 +110,7 @@ void m01DVector::limit_params(double a, double b)
     append_increasing(out, capacity, count, a);
     for (int j = first; j < last; j++)
         append_increasing(out, capacity, count, data_[j]);
-    // A b within kParamStep of the last interior value is dropped and that value
+    // A b within param_step of the last interior value is dropped and that value
     // ends the list: kept as designed.
     append_increasing(out, capacity, count, b);
     delete[] data_;
@@ -127,7 +127,7 @@ void m01DVector::limit_params_closed(double a, double b)
     }
     double period = data_[size_ - 1] - data_[0];
     if (a < data_[0]) {
-        if (std::fabs(a - data_[0]) < kSeamSnap)
+        if (std::fabs(a - data_[0]) < seam_snap)
             a = data_[0];
         else
             a = a + period;

@@ -6,11 +6,11 @@
 namespace {
 
 // Squared distance below which two points of a polyline coincide (distance 1e-5).
-constexpr double kCoincideDist2 = 1e-10;
+constexpr double coincide_dist2 = 1e-10;
 // Squared distance below which limit's two ends are the same point: nothing to trim.
-constexpr double kLimitSameEnds2 = 1e-12;
+constexpr double limit_same_ends2 = 1e-12;
 // Squared distance below which a polyline's first and last points close it.
-constexpr double kClosedDist2 = 1e-7;
+constexpr double closed_dist2 = 1e-7;
 
 // Array new that reports failure as null instead of throwing; a negative or zero
 // count makes no storage at all.
@@ -152,7 +152,7 @@ void m03DVector::delete_coincide()
     // Each point is compared with the last kept one, never the first with the last:
     // a closed polyline keeps its closing point unless it sits on its predecessor.
     for (int i = 1; i < size_; i++) {
-        if ((points_[i] - kept[n - 1]).module2() > kCoincideDist2)
+        if ((points_[i] - kept[n - 1]).module2() > coincide_dist2)
             kept[n++] = points_[i];
     }
     delete[] points_;
@@ -177,12 +177,12 @@ int m03DVector::nearest_segment(m03DPoint& q) const
 
 void m03DVector::limit(m03DPoint& a, m03DPoint& b)
 {
-    if ((a - b).module2() < kLimitSameEnds2)
+    if ((a - b).module2() < limit_same_ends2)
         return;
     // A polyline of fewer than two points has no segment to trim.
     if (points_ == nullptr || size_ < 2)
         return;
-    bool closed = (points_[0] - points_[size_ - 1]).module2() < kClosedDist2;
+    bool closed = (points_[0] - points_[size_ - 1]).module2() < closed_dist2;
     int ia = 0;
     int ib = 0;
     if (size_ >= 3) {

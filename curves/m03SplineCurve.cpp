@@ -13,18 +13,18 @@
 namespace {
 
 // Last and first points closer than this make the spline a closed loop.
-constexpr double kClosedDist = 1e-7;
+constexpr double closed_dist = 1e-7;
 // The division-free sweeps keep every row between these magnitudes.
-constexpr double kRowTooBig = 1e8;
-constexpr double kRowTooSmall = 1e-10;
-constexpr double kRowBoost = 1e10;
+constexpr double row_too_big = 1e8;
+constexpr double row_too_small = 1e-10;
+constexpr double row_boost = 1e10;
 // A closed loop needs three distinct points and the closing one for its row layout.
-constexpr int kMinClosedPoints = 4;
+constexpr int min_closed_points = 4;
 // Cubic Bernstein values at 1/3 (8/27, 4/9, 2/9, 1/27); at 2/3 the same, mirrored.
-constexpr double kBern0 = 8.0 / 27.0;
-constexpr double kBern1 = 4.0 / 9.0;
-constexpr double kBern2 = 2.0 / 9.0;
-constexpr double kBern3 = 1.0 / 27.0;
+constexpr double bern0 = 8.0 / 27.0;
+constexpr double bern1 = 4.0 / 9.0;
+constexpr double bern2 = 2.0 / 9.0;
+constexpr double bern3 = 1.0 / 27.0;
 
 // The tridiagonal (open) or bordered tridiagonal (closed) system, one row per
 // unknown: below, diagonal, above and, for the closed loop, the coefficient of
@@ -100,15 +100,15 @@ void open_forward(Band& band, m03DPoint* rhs, int n)
         rhs[i] = rhs[i] * bp - rhs[i - 1] * a;
         double d = std::fabs(band.diag[i]), u = std::fabs(band.above[i]);
         double big = std::max(d, u), small = std::min(d, u);
-        if (big > kRowTooBig) {
+        if (big > row_too_big) {
             band.diag[i] /= big;
             band.above[i] /= big;
             rhs[i] /= big;
         }
-        if (small < kRowTooSmall) {
-            band.diag[i] *= kRowBoost;
-            band.above[i] *= kRowBoost;
-            rhs[i] *= kRowBoost;
+        if (small < row_too_small) {
+            band.diag[i] *= row_boost;
+            band.above[i] *= row_boost;
+            rhs[i] *= row_boost;
         }
     }
 }
@@ -122,12 +122,12 @@ void open_backward(Band& band, m03DPoint* rhs, int n)
         band.diag[i] = band.diag[i] * bn;
         rhs[i] = rhs[i] * bn - rhs[i + 1] * c;
         double d = std::fabs(band.diag[i]);
-        if (d > kRowTooBig) {
+        if (d > row_too_big) {
             band.diag[i] /= d;
             rhs[i] /= d;
-        } else if (d < kRowTooSmall) {
-            band.diag[i] *= kRowBoost;
-            rhs[i] *= kRowBoost;
+        } else if (d < row_too_small) {
+            band.diag[i] *= row_boost;
+            rhs[i] *= row_boost;
         }
     }
 }
@@ -137,16 +137,16 @@ void open_backward(Band& band, m03DPoint* rhs, int n)
 void closed_rescale_forward(Band& band, m03DPoint* rhs, int i)
 {
     double big = std::max({std::fabs(band.diag[i]), std::fabs(band.above[i]), std::fabs(band.last[i])});
-    if (big > kRowTooBig) {
+    if (big > row_too_big) {
         band.diag[i] /= big;
         band.above[i] /= big;
         band.last[i] /= big;
         rhs[i] /= big;
-    } else if (big < kRowTooSmall) {
-        band.diag[i] *= kRowBoost;
-        band.above[i] *= kRowBoost;
-        band.last[i] *= kRowBoost;
-        rhs[i] *= kRowBoost;
+    } else if (big < row_too_small) {
+        band.diag[i] *= row_boost;
+        band.above[i] *= row_boost;
+        band.last[i] *= row_boost;
+        rhs[i] *= row_boost;
     }
 }
 
@@ -156,15 +156,15 @@ void closed_rescale_backward(Band& band, m03DPoint* rhs, int i)
 {
     double d = std::fabs(band.diag[i]), l = std::fabs(band.last[i]);
     double big = std::max(d, l), small = std::min(d, l);
-    if (big > kRowTooBig) {
+    if (big > row_too_big) {
         band.diag[i] /= big;
         band.last[i] /= big;
         rhs[i] /= big;
     }
-    if (small < kRowTooSmall) {
-        band.diag[i] *= kRowBoost;
-        band.last[i] *= kRowBoost;
-        rhs[i] *= kRowBoost;
+    if (small < row_too_small) {
+        band.diag[i] *= row_boost;
+        band.last[i] *= row_boost;
+        rhs[i] *= row_boost;
     }
 }
 
@@ -227,11 +227,11 @@ void bezier_inner_points(m03DPoint* cp, int k)
 {
     const m03DPoint& a = cp[k];
     const m03DPoint& b = cp[k + 3];
-    m03DPoint r1 = cp[k + 1] - a * kBern0 - b * kBern3;
-    m03DPoint r2 = cp[k + 2] - a * kBern3 - b * kBern0;
-    double det = kBern1 * kBern1 - kBern2 * kBern2;
-    cp[k + 1] = (r1 * kBern1 - r2 * kBern2) / det;
-    cp[k + 2] = (r2 * kBern1 - r1 * kBern2) / det;
+    m03DPoint r1 = cp[k + 1] - a * bern0 - b * bern3;
+    m03DPoint r2 = cp[k + 2] - a * bern3 - b * bern0;
+    double det = bern1 * bern1 - bern2 * bern2;
+    cp[k + 1] = (r1 * bern1 - r2 * bern2) / det;
+    cp[k + 2] = (r2 * bern1 - r1 * bern2) / det;
 }
 
 }  // namespace
@@ -247,7 +247,7 @@ m03SplineCurve::m03SplineCurve(m03DVector* pts)
     if (!has_points(pts) || params_ == nullptr)
         return;
     int n = pts->size();
-    if ((pts->point(n - 1) - pts->point(0)).module() > kClosedDist) {
+    if ((pts->point(n - 1) - pts->point(0)).module() > closed_dist) {
         // One third of the end chords, not scaled by the parameter steps: this
         // sets the shape of the end segments and is kept as designed.
         m03DPoint t_start = (pts->point(1) - pts->point(0)) / 3.0;
@@ -327,7 +327,7 @@ m03DVector* m03SplineCurve::build_tangents(m03DVector* pts, m01DVector* params)
         return nullptr;
     int n = pts->size();
     // Fewer points have no tangents (and so no B-spline form).
-    if (n < kMinClosedPoints)
+    if (n < min_closed_points)
         return nullptr;
     int m = n - 1;  // unknowns T0 ... Tn-2; Tn-1 = T0
     std::unique_ptr<m03DVector> tangents = new_points(n);

@@ -8,7 +8,7 @@ namespace {
 // A parameter more than this many periods outside a closed curve's knot range
 // is not stepped back period by period (that could take for ever); it is
 // wrapped in one step with the floating-point remainder instead.
-constexpr int kMaxWrapTurns = 64;
+constexpr int max_wrap_turns = 64;
 
 }  // namespace
 
@@ -19,7 +19,7 @@ m0BspCurve::m0BspCurve(m03DVector* cpnts, const int& order)
     if (cpnts == nullptr)
         return;
     // The curve owns cpnts from here on, also when it stays empty.
-    if (order < 2 || order > kMaxOrder) {
+    if (order < 2 || order > max_order) {
         delete cpnts;
         return;
     }
@@ -112,7 +112,7 @@ int m0BspCurve::weight_count() const
 
 int m0BspCurve::evaluable() const
 {
-    return knot_count() > 0 && cpnt_count() > 0 && degree_ >= 0 && degree_ < kMaxOrder;
+    return knot_count() > 0 && cpnt_count() > 0 && degree_ >= 0 && degree_ < max_order;
 }
 
 double m0BspCurve::wrapped(double t) const
@@ -125,11 +125,11 @@ double m0BspCurve::wrapped(double t) const
     if (!(period > 0.0))
         return t;
     int turns = 0;
-    while (t < u0 && turns < kMaxWrapTurns) {
+    while (t < u0 && turns < max_wrap_turns) {
         t += period;
         turns++;
     }
-    while (t > u1 && turns < kMaxWrapTurns) {
+    while (t > u1 && turns < max_wrap_turns) {
         t -= period;
         turns++;
     }

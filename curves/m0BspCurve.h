@@ -8,7 +8,7 @@
 // Evaluation never reads outside the three arrays: a basis function whose index
 // has no knots, control point or weight behind it contributes nothing. A curve
 // without knots or control points, or of negative degree or an order above
-// kMaxOrder, evaluates to (0, 0, 0).
+// max_order, evaluates to (0, 0, 0).
 #include "curves/m01DVector.h"
 #include "curves/m03DPoint.h"
 #include "curves/m03DVector.h"
@@ -20,9 +20,9 @@ public:
     // The library's curves are of order 2 to 5. An order above this is taken as
     // corrupt: the order-k constructor leaves the curve empty and evaluation gives
     // (0, 0, 0), so that no evaluation costs more than a bounded table.
-    static constexpr int kMaxOrder = 16;
+    static constexpr int max_order = 16;
     // The highest derivative of a basis function the curve evaluates.
-    static constexpr int kMaxDerivative = 3;
+    static constexpr int max_derivative = 3;
 
     // How the basis functions are computed. Both give the same bits: the table
     // is what the curve uses; the plain recursion is kept to check it against.
@@ -30,7 +30,7 @@ public:
 
     m0BspCurve();
     // Takes ownership of cpnts (deleted at once when the curve stays empty: null
-    // cpnts, an order below 2 or above kMaxOrder).
+    // cpnts, an order below 2 or above max_order).
     m0BspCurve(m03DVector* cpnts, const int& order);
     // Deep copy of other, flags included; a null other gives an empty curve.
     explicit m0BspCurve(m0BspCurve* other);
@@ -86,7 +86,7 @@ public:
     // Index of the knot span holding t (see the .cpp for its deliberate first probe).
     int get_knot_interval(const double& t) const;
     // N(i, order) at t over nknots knots; 0 for an index without knots behind it
-    // or an order outside 1 .. kMaxOrder.
+    // or an order outside 1 .. max_order.
     static double get_base_function(const double* knots, const int& nknots, int order,
                                     const double& t, int i);
     // The der-th derivative of N(i, order) at t (der 0 is the value) by the plain
@@ -117,17 +117,17 @@ private:
     static double get_base_function_third_der(const double* knots, const int& nknots, int order,
                                               const double& t, int i);
     // values[d][c]: the d-th derivative of N(first + c, order) at t, for
-    // c < count <= kMaxOrder and d <= max_der <= kMaxDerivative.
+    // c < count <= max_order and d <= max_der <= max_derivative.
     static void basis_table(const double* knots, int nknots, int order, double t, int first,
-                            int count, int max_der, double values[][kMaxOrder]);
+                            int count, int max_der, double values[][max_order]);
     // values[d][c] for the order functions of the span starting at first + order - 1,
     // with only the band of non-zero entries computed where the knots allow.
     static void span_table(const double* knots, int nknots, int order, double t, int first, int max_der,
-                           double values[][kMaxOrder]);
+                           double values[][max_order]);
     // One entry of the table: the der-th derivative of N(i, order) at t.
     static double single_basis(const double* knots, int nknots, int order, double t, int i, int der);
 
-    // 1 when the curve has knots, control points and a degree in 0 .. kMaxOrder - 1.
+    // 1 when the curve has knots, control points and a degree in 0 .. max_order - 1.
     int evaluable() const;
     int knot_count() const;
     int cpnt_count() const;

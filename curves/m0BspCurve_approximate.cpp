@@ -8,15 +8,15 @@ namespace {
 
 // A step shorter than this abandons the rest of its span: the tolerance cannot
 // be met there, and the walk goes on with the next span.
-constexpr double kMinStep = 1e-7;
+constexpr double min_step = 1e-7;
 // A point is not appended when its squared distance to the previous one is
 // not above this.
-constexpr double kMinSegment2 = 1e-15;
+constexpr double min_segment2 = 1e-15;
 // At most this many steps are accepted over a whole walk; the walk stops there
 // and returns what it has. A curve far larger than its tolerance (coordinates
 // of 1e12 and a tolerance of 0.1) would otherwise ask for polylines of
 // billions of points.
-constexpr int kMaxApproximationSteps = 1000000;
+constexpr int max_approximation_steps = 1000000;
 
 }  // namespace
 
@@ -67,16 +67,16 @@ int m0BspCurve::approximate_span(double a, double b, double tol, m03DPoint& prev
         }
         // Too short a step, or one that no longer moves a: the rest of the span
         // stays unsampled, b included.
-        if (step < kMinStep || !(a + step > a))
+        if (step < min_step || !(a + step > a))
             return 1;
         const double deviation = ((prev + end) / 2.0 - mid).module();
         if (deviation <= tol) {
-            if ((end - prev).module2() > kMinSegment2)
+            if ((end - prev).module2() > min_segment2)
                 out.push_back(end);
             a = a + step;
             prev = end;
             step = 0.0;
-            if (++steps >= kMaxApproximationSteps)
+            if (++steps >= max_approximation_steps)
                 return 0;
         } else {
             step = step * 0.5;

@@ -66,7 +66,7 @@ inline double raise_derivative(const double* knots, int order, int i, double low
 
 inline bool order_in_range(int order)
 {
-    return order >= 1 && order <= m0BspCurve::kMaxOrder;
+    return order >= 1 && order <= m0BspCurve::max_order;
 }
 
 }  // namespace
@@ -116,14 +116,14 @@ namespace {
 // count + order - r entries at order r. Unchecked, every entry is known to
 // have its knots (the usual case inside a curve); checked, an entry without
 // them is 0.
-template <bool kChecked>
+template <bool checked>
 void fill_levels(const double* knots, int nknots, int order, double t, int first, int count,
-                 double level[][2 * m0BspCurve::kMaxOrder])
+                 double level[][2 * m0BspCurve::max_order])
 {
     const int base_width = count + order - 1;
     for (int c = 0; c < base_width; c++) {
         const int q = first + c;
-        level[1][c] = (!kChecked || basis_exists(nknots, 1, q)) ? step_value(knots, nknots, t, q) : 0.0;
+        level[1][c] = (!checked || basis_exists(nknots, 1, q)) ? step_value(knots, nknots, t, q) : 0.0;
     }
     for (int r = 2; r <= order; r++) {
         const int width = count + order - r;
@@ -131,7 +131,7 @@ void fill_levels(const double* knots, int nknots, int order, double t, int first
         double* row = level[r];
         for (int c = 0; c < width; c++) {
             const int q = first + c;
-            row[c] = (!kChecked || basis_exists(nknots, r, q))
+            row[c] = (!checked || basis_exists(nknots, r, q))
                          ? raise_value(knots, r, t, q, lower[c], lower[c + 1])
                          : 0.0;
         }
@@ -141,7 +141,7 @@ void fill_levels(const double* knots, int nknots, int order, double t, int first
 // der[c] holds the (d - (order - start))-th derivatives at order start; raises
 // them to the d-th derivatives at order order. In place: entry c reads c and
 // c + 1 of the order below, and c + 1 is not yet overwritten.
-template <bool kChecked>
+template <bool checked>
 void raise_derivatives(const double* knots, int nknots, int order, int first, int count, int start,
                        double* der)
 {
@@ -149,7 +149,7 @@ void raise_derivatives(const double* knots, int nknots, int order, int first, in
         const int width = count + order - r;
         for (int c = 0; c < width; c++) {
             const int q = first + c;
-            der[c] = (!kChecked || basis_exists(nknots, r, q)) ? raise_derivative(knots, r, q, der[c], der[c + 1])
+            der[c] = (!checked || basis_exists(nknots, r, q)) ? raise_derivative(knots, r, q, der[c], der[c + 1])
                                                               : 0.0;
         }
     }
@@ -158,9 +158,9 @@ void raise_derivatives(const double* knots, int nknots, int order, int first, in
 }  // namespace
 
 void m0BspCurve::basis_table(const double* knots, int nknots, int order, double t, int first,
-                             int count, int max_der, double values[][kMaxOrder])
+                             int count, int max_der, double values[][max_order])
 {
-    double level[kMaxOrder + 1][2 * kMaxOrder];
+    double level[max_order + 1][2 * max_order];
     // The widest row, order 1, reaches knot first + count + order - 1.
     const bool checked = first < 0 || first + count + order - 1 > nknots - 1;
     if (checked)
@@ -173,7 +173,7 @@ void m0BspCurve::basis_table(const double* knots, int nknots, int order, double 
     // The d-th derivative at order r needs the (d - (order - r))-th one below:
     // plain values down to order order - d, zero at order 1 when d >= order.
     for (int d = 1; d <= max_der; d++) {
-        double der[2 * kMaxOrder];
+        double der[2 * max_order];
         int start = order - d;
         if (start >= 1) {
             for (int c = 0; c < count + d; c++)
@@ -260,14 +260,14 @@ inline double raise_derivative_left_only(const double* knots, int order, int i, 
 
 // One row of the band: entries c = lo .. p of order r (function first + c)
 // from the row below, whose entries lo and p + 1 lie outside its band.
-template <bool kDerivative>
+template <bool derivative>
 void raise_band(const double* knots, int r, double t, int first, int p, const double* lower, double* row)
 {
     // r >= 2: the band has two edges at least.
     const int lo = p - r + 1;
     for (int c = lo; c <= p; c++) {
         const int q = first + c;
-        if (kDerivative)
+        if (derivative)
             row[c] = c == lo ? raise_derivative_right_only(knots, r, q, lower[c + 1])
                    : c == p  ? raise_derivative_left_only(knots, r, q, lower[c])
                              : raise_derivative(knots, r, q, lower[c], lower[c + 1]);
@@ -281,7 +281,7 @@ void raise_band(const double* knots, int r, double t, int first, int p, const do
 }  // namespace
 
 void m0BspCurve::span_table(const double* knots, int nknots, int order, double t, int first, int max_der,
-                            double values[][kMaxOrder])
+                            double values[][max_order])
 {
     if (!band_applies(knots, nknots, order, t, first)) {
         basis_table(knots, nknots, order, t, first, order, max_der, values);
@@ -289,14 +289,14 @@ void m0BspCurve::span_table(const double* knots, int nknots, int order, double t
     }
     const int p = order - 1;
     // level[r][c] = N(first + c, r) for c in the band p - r + 1 .. p.
-    double level[kMaxOrder + 1][kMaxOrder];
+    double level[max_order + 1][max_order];
     level[1][p] = 1.0;
     for (int r = 2; r <= order; r++)
         raise_band<false>(knots, r, t, first, p, level[r - 1], level[r]);
     for (int c = 0; c <= p; c++)
         values[0][c] = level[order][c];
     for (int d = 1; d <= max_der; d++) {
-        double der[kMaxOrder];
+        double der[max_order];
         int start = order - d;
         if (start >= 1) {
             for (int c = p - start + 1; c <= p; c++)
@@ -308,7 +308,7 @@ void m0BspCurve::span_table(const double* knots, int nknots, int order, double t
             continue;
         }
         for (int r = start + 1; r <= order; r++) {
-            double row[kMaxOrder];
+            double row[max_order];
             raise_band<true>(knots, r, t, first, p, der, row);
             for (int c = p - r + 1; c <= p; c++)
                 der[c] = row[c];
@@ -320,10 +320,10 @@ void m0BspCurve::span_table(const double* knots, int nknots, int order, double t
 
 double m0BspCurve::single_basis(const double* knots, int nknots, int order, double t, int i, int der)
 {
-    if (knots == nullptr || !order_in_range(order) || der < 0 || der > kMaxDerivative
+    if (knots == nullptr || !order_in_range(order) || der < 0 || der > max_derivative
         || !basis_exists(nknots, order, i))
         return 0.0;
-    double values[kMaxDerivative + 1][kMaxOrder];
+    double values[max_derivative + 1][max_order];
     basis_table(knots, nknots, order, t, i, 1, der, values);
     return values[der][0];
 }

@@ -7,16 +7,16 @@ namespace {
 
 // point() at a parameter within this of an end of an open curve's knot range
 // is that end's control point.
-constexpr double kEndSnap = 1e-14;
+constexpr double end_snap = 1e-14;
 // The speed at an end, for the straight continuation beyond it, is measured
 // over this parameter step. A knot range not longer than the step has no
 // point to measure with: the continuation is then the end point itself.
-constexpr double kContinuationProbe = 1e-13;
+constexpr double continuation_probe = 1e-13;
 // Parameter step of tang0() and the length below which it gives no direction.
-constexpr double kTang0Step = 1e-7;
-constexpr double kTang0MinLength = 1e-15;
+constexpr double tang0_step = 1e-7;
+constexpr double tang0_min_length = 1e-15;
 // Parameter step of normal() to either side: absolute, whatever the knot range.
-constexpr double kNormalStep = 0.01;
+constexpr double normal_step = 0.01;
 
 }  // namespace
 
@@ -35,7 +35,7 @@ void m0BspCurve::span_sums(double t, int max_der, m03DPoint* a, double* w) const
     const double* weights = weight_vector_ != nullptr ? weight_vector_->get_data_pointer() : nullptr;
     const int first = get_knot_interval(t) - degree_;
 
-    double values[kMaxDerivative + 1][kMaxOrder];
+    double values[max_derivative + 1][max_order];
     if (basis_method_ == BasisMethod::table) {
         span_table(knots, m, order, t, first, max_der, values);
     } else {
@@ -77,14 +77,14 @@ m03DPoint m0BspCurve::continue_before(double t) const
     const double u0 = knot_vector_->point(0);
     const double u1 = knot_vector_->point(knot_count() - 1);
     const m03DPoint& p0 = cpnt_vector_->point(0);
-    if (std::fabs(t - u0) < kEndSnap)
+    if (std::fabs(t - u0) < end_snap)
         return p0;
-    const double probe = u0 + kContinuationProbe;
+    const double probe = u0 + continuation_probe;
     if (!(probe < u1))
         return p0;
     // probe lies in [u0, u1): point() answers it without continuing again.
     const m03DPoint q = point(probe);
-    const double speed = (q - p0).module() / kContinuationProbe;
+    const double speed = (q - p0).module() / continuation_probe;
     const m03DPoint dir = cpnt_count() >= 2 ? (p0 - cpnt_vector_->point(1)).single() : m03DPoint();
     return p0 + dir * (u0 - t) * speed;
 }
@@ -95,13 +95,13 @@ m03DPoint m0BspCurve::continue_after(double t) const
     const double u0 = knot_vector_->point(0);
     const double u1 = knot_vector_->point(knot_count() - 1);
     const m03DPoint& pn = cpnt_vector_->point(n - 1);
-    if (std::fabs(t - u1) < kEndSnap)
+    if (std::fabs(t - u1) < end_snap)
         return pn;
-    const double probe = u1 - kContinuationProbe;
+    const double probe = u1 - continuation_probe;
     if (!(probe > u0))
         return pn;
     const m03DPoint q = point(probe);
-    const double speed = (q - pn).module() / kContinuationProbe;
+    const double speed = (q - pn).module() / continuation_probe;
     const m03DPoint dir = n >= 2 ? (pn - cpnt_vector_->point(n - 2)).single() : m03DPoint();
     return pn + dir * (t - u1) * speed;
 }
@@ -128,8 +128,8 @@ m03DPoint m0BspCurve::derivative(double t, int der) const
     if (!evaluable())
         return m03DPoint();
     t = closed_ ? wrapped(t) : clamped(t);
-    m03DPoint a[kMaxDerivative + 1];
-    double w[kMaxDerivative + 1];
+    m03DPoint a[max_derivative + 1];
+    double w[max_derivative + 1];
     span_sums(t, der, a, w);
     const double W = w[0];
     const double W2 = W * W;
@@ -169,8 +169,8 @@ m03DPoint m0BspCurve::tang(const double& t) const
 
 m03DPoint m0BspCurve::tang0(const double& t) const
 {
-    const m03DPoint d = point(t + kTang0Step) - point(t);
-    if (d.module() < kTang0MinLength)
+    const m03DPoint d = point(t + tang0_step) - point(t);
+    if (d.module() < tang0_min_length)
         return m03DPoint();
     return d.single();
 }
@@ -178,8 +178,8 @@ m03DPoint m0BspCurve::tang0(const double& t) const
 m03DPoint m0BspCurve::normal(const double& t) const
 {
     const m03DPoint c = point(t);
-    const m03DPoint a = (point(t - kNormalStep) - c).single();
-    const m03DPoint b = (point(t + kNormalStep) - c).single();
+    const m03DPoint a = (point(t - normal_step) - c).single();
+    const m03DPoint b = (point(t + normal_step) - c).single();
     m03DPoint n = a * b;
     // A straight piece spans no plane: any direction across it will do.
     if (n.module() == 0.0)

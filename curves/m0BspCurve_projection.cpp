@@ -6,15 +6,15 @@ namespace {
 // The bisection goes on while the chord is at least this long (squared) and
 // the parameter range at least this wide; an unbroken range whose end points
 // meet this closely is a closed loop and is searched in two halves.
-constexpr double kProjectionMinChord2 = 1e-6;
-constexpr double kProjectionMinRange = 1e-6;
+constexpr double projection_min_chord2 = 1e-6;
+constexpr double projection_min_range = 1e-6;
 // A chord shorter than this gives its start parameter.
-constexpr double kProjectionMinChord = 1e-10;
+constexpr double projection_min_chord = 1e-10;
 // Each level halves the parameter range, so any range of finite doubles has
-// come down to kProjectionMinRange after some 1050 levels; a range whose
+// come down to projection_min_range after some 1050 levels; a range whose
 // halving no longer moves (its ends a few ulps apart on a fast curve) stops
 // at once. The bound only guards the rounding corner cases in between.
-constexpr int kMaxProjectionLevels = 1100;
+constexpr int max_projection_levels = 1100;
 
 }  // namespace
 
@@ -36,7 +36,7 @@ double m0BspCurve::projection(const m03DPoint& q) const
     }
     const m03DPoint pa = point(ta);
     const m03DPoint pb = point(tb);
-    if ((pa - pb).module2() >= kProjectionMinChord2)
+    if ((pa - pb).module2() >= projection_min_chord2)
         return projection0(q, ta, pa, tb, pb);
     // The ends meet: a closed loop, searched in two halves.
     const double tm = (ta + tb) / 2;
@@ -55,8 +55,8 @@ double m0BspCurve::projection(const m03DPoint& q) const
 double m0BspCurve::projection0(const m03DPoint& q, double t0, m03DPoint p0, double t1,
                                m03DPoint p1) const
 {
-    for (int level = 0; level < kMaxProjectionLevels; level++) {
-        if (!((p0 - p1).module2() >= kProjectionMinChord2 && t1 - t0 >= kProjectionMinRange))
+    for (int level = 0; level < max_projection_levels; level++) {
+        if (!((p0 - p1).module2() >= projection_min_chord2 && t1 - t0 >= projection_min_range))
             break;
         const double tm = (t0 + t1) * 0.5;
         if (!(tm > t0 && tm < t1))
@@ -80,7 +80,7 @@ double m0BspCurve::projection0(const m03DPoint& q, double t0, m03DPoint p0, doub
         }
     }
     const double len = (p0 - p1).module();
-    if (len < kProjectionMinChord)
+    if (len < projection_min_chord)
         return t0;
     const m03DPoint c = q.min_dist_point(p0, p1);
     return t0 + (c - p0).module() * (t1 - t0) / len;

@@ -6,15 +6,10 @@
 #include <cmath>
 #include <new>
 
-namespace {
-
-// Clamps a loop bound into 0 ... limit, computed wide so that b + 1 cannot overflow.
-int clamp_index(long long v, int limit)
+int vmiBaseGrid::clamp_index(long long v, int limit)
 {
     return static_cast<int>(std::clamp<long long>(v, 0, std::max(limit, 0)));
 }
-
-}  // namespace
 
 // ---------------------------------------------------------------------------
 // Construction
@@ -187,41 +182,31 @@ void vmiBaseGrid::offset(const double& dx, const double& dy)
 
 void vmiBaseGrid::merge(m03DPoint* pts, const int& n)
 {
-    if (pts == nullptr || n < 1)
-        return;
-    for (int k = 0; k < n; k++) {
-        const m03DPoint& p = pts[k];
-        if (!(p.z() > empty_z))
-            continue;
-        set_z_if_less(intf(p.x() / d_x_), intf(p.y() / d_y_), p.z());
-    }
+    each_point_at_node(pts, n, empty_z, [this](int i, int j, double z) { set_z_if_less(i, j, z); });
+}
+
+int vmiBaseGrid::held_nodes(const vmiBaseGrid& other)
+{
+    long long n = std::min(static_cast<long long>(other.x_size_) * other.y_size_, other.capacity_);
+    return static_cast<int>(std::max(n, 0LL));
 }
 
 void vmiBaseGrid::merge(vmiBaseGrid& other)
 {
-    // Never more nodes than the other array holds, whatever its sizes were set to.
-    long long n = std::min(static_cast<long long>(other.x_size_) * other.y_size_, other.capacity_);
-    merge(other.points_array(), static_cast<int>(std::max(n, 0LL)));
+    merge(other.points_array(), held_nodes(other));
 }
 
 void vmiBaseGrid::merge1(m03DPoint* pts, const int& n)
 {
-    if (pts == nullptr || n < 1)
-        return;
     // Neighbours in the order they are tried: only the first point to reach an
     // empty neighbour fills it.
     static constexpr int around[8][2] = {{1, 0},  {0, 1},  {1, 1},  {-1, 0},
                                          {-1, -1}, {0, -1}, {-1, 1}, {1, -1}};
-    for (int k = 0; k < n; k++) {
-        const m03DPoint& p = pts[k];
-        if (!(p.z() > valid_z))
-            continue;
-        int i = intf(p.x() / d_x_);
-        int j = intf(p.y() / d_y_);
-        set_z(i, j, p.z());
+    each_point_at_node(pts, n, valid_z, [this](int i, int j, double z) {
+        set_z(i, j, z);
         for (const auto& d : around)
-            set_z_if_empty(i + d[0], j + d[1], p.z());
-    }
+            set_z_if_empty(i + d[0], j + d[1], z);
+    });
 }
 
 m03DPoint vmiBaseGrid::middle(const m03DPoint& a, const m03DPoint& /*b*/)
@@ -342,93 +327,4 @@ void vmiBaseGrid::fill_row1(int* crossings, const int& j, const double& z, const
             }
         }
     }
-}
-
-m03DPoint& vmiBaseGrid::line_node(int k, int fixed, bool along_x)
-{
-    return along_x ? point(k, fixed) : point(fixed, k);
-}
-
-void vmiBaseGrid::put_line_z(vmiBaseGrid* dst, int k, int fixed, bool along_x, const double& z)
-{
-    m03DPoint p = line_node(k, fixed, along_x);
-    p.set_z(z);
-    if (along_x)
-        dst->point(k, fixed, p);
-    else
-        dst->point(fixed, k, p);
-}
-
-void vmiBaseGrid::fill_line2(vmiBaseGrid* dst, int* crossings, int fixed, bool along_x)
-{
-    if (dst == nullptr || crossings == nullptr || crossings[0] < 1)
-        return;
-    const int limit = along_x ? x_size_ : y_size_;
-    const int c1 = crossings[1];
-    const int cn = crossings[crossings[0]];
-    auto average_at = [&](int k) {
-        return along_x ? everage_height(k, fixed, 2) : everage_height(fixed, k, 2);
-    };
-
-    for (int k = 0; k < clamp_index(c1, limit); k++)
-        put_line_z(dst, k, fixed, along_x, empty_z);
-
-    // The gap before the first valid node takes the mean around it; the node
-    // itself keeps its height.
-    for (int k = clamp_index(c1, limit); k < clamp_index(cn, limit); k++) {
-        if (line_node(k, fixed, along_x).z() > valid_z) {
-            double a = average_at(k);
-            for (int m = clamp_index(c1, limit); m < k; m++)
-                put_line_z(dst, m, fixed, along_x, a);
-            break;
-        }
-    }
-    // The gap after the last valid node takes the mean around it, and here the
-    // node itself is overwritten too: the asymmetry is kept as designed.
-    for (int k = std::min(cn, limit - 1); k > c1 && k >= 0; k--) {
-        if (line_node(k, fixed, along_x).z() > valid_z) {
-            double a = average_at(k);
-            for (int m = k; m < clamp_index(cn, limit); m++)
-                put_line_z(dst, m, fixed, along_x, a);
-            break;
-        }
-    }
-
-    for (int k = clamp_index(cn, limit); k < limit; k++)
-        put_line_z(dst, k, fixed, along_x, empty_z);
-}
-
-void vmiBaseGrid::fill_row2(vmiBaseGrid* dst, int* crossings, int j)
-{
-    fill_line2(dst, crossings, j, true);
-}
-
-void vmiBaseGrid::fill_colm2(vmiBaseGrid* dst, int* crossings, int i)
-{
-    fill_line2(dst, crossings, i, false);
-}
-
-// ---------------------------------------------------------------------------
-// Local mean
-
-double vmiBaseGrid::everage_height(const int& i, const int& j, const int& r)
-{
-    // Half-width r - 1 around (i, j), cut at the grid's border.
-    int i0 = clamp_index(static_cast<long long>(i) - (static_cast<long long>(r) - 1), x_size_);
-    int i1 = clamp_index(static_cast<long long>(i) + r, x_size_);
-    int j0 = clamp_index(static_cast<long long>(j) - (static_cast<long long>(r) - 1), y_size_);
-    int j1 = clamp_index(static_cast<long long>(j) + r, y_size_);
-    if (j0 >= j1)
-        return 0.0;
-    double sum = 0.0;
-    int count = 0;
-    for (int a = i0; a < i1; a++)
-        for (int b = j0; b < j1; b++) {
-            double z = point(a, b).z();
-            if (z > valid_z) {
-                sum += z;
-                count++;
-            }
-        }
-    return count == 0 ? 0.0 : sum / count;
 }

@@ -2,7 +2,7 @@
 // vmiBaseGrid: the insole height grid. x_size x y_size nodes, spacings d_x and
 // d_y, each node an m03DPoint holding its own world x, y and its height z,
 // stored row by row (node (i, j) at j * x_size + i). A node is empty when its
-// z is -10000.0.
+// z is empty_z.
 #include "curves/m03DPoint.h"
 #include "host/giBox3.h"
 
@@ -58,7 +58,7 @@ public:
     double& d_y() { return d_y_; }
     m03DPoint* points_array() { return points_; }
 
-    // Node (i, j); outside the grid, the fallback point (0, 0, -10000.0).
+    // Node (i, j); outside the grid, the fallback point (0, 0, empty_z).
     m03DPoint& point(const int& i, const int& j);
     // Copies p into node (i, j); does nothing outside the grid.
     void point(const int& i, const int& j, const m03DPoint& p);
@@ -130,12 +130,36 @@ private:
     // Writes the wall and floor points of row j (crossings c) for make_closed_solid;
     // false when the row has no surface stretch and does not count.
     bool close_row(const int* c, const int& j);
+    // Calls at(i, j, z) for each of the n points whose z lies above `above`,
+    // with (i, j) the node the point rounds to. The grid's origin is taken as
+    // (0, 0) whatever x and y its nodes hold: merge, merge1 and drop place a
+    // point by x / d_x and y / d_y alone.
+    template <class At>
+    void each_point_at_node(const m03DPoint* pts, int n, double above, At at)
+    {
+        if (pts == nullptr || n < 1)
+            return;
+        for (int k = 0; k < n; k++) {
+            const m03DPoint& p = pts[k];
+            if (!(p.z() > above))
+                continue;
+            at(intf(p.x() / d_x_), intf(p.y() / d_y_), p.z());
+        }
+    }
+    // The nodes of other that its array really holds, whatever its sizes say.
+    static int held_nodes(const vmiBaseGrid& other);
+    // everage_height's one loop: the mean over the valid nodes around (i, j)
+    // that inside(a, b) admits.
+    template <class Inside>
+    double mean_height(int i, int j, int r, Inside inside);
+    // Clamps a loop bound into 0 ... limit, computed wide so that b + 1 cannot overflow.
+    static int clamp_index(long long v, int limit);
     // Releases the array and leaves a 0 x 0 grid.
     bool allocate();
     void make_empty();
 
     m03DPoint* points_ = nullptr;
-    m03DPoint fallback_{0.0, 0.0, -10000.0};
+    m03DPoint fallback_{0.0, 0.0, empty_z};
     int x_size_ = 0;
     int y_size_ = 0;
     double d_x_ = 0.0;

@@ -35,26 +35,39 @@ long long smoothing_reads(long long nodes, int x_size, int y_size, int r)
 // ---------------------------------------------------------------------------
 // Local mean and smoothing
 
-double vmiBaseGrid::everage_height(vmiPolylineGridMap& map, const int& i, const int& j, const int& r)
+template <class Inside>
+double vmiBaseGrid::mean_height(int i, int j, int r, Inside inside)
 {
-    // As the plain mean, counting only nodes inside the outline.
-    long long lo_i = std::max(static_cast<long long>(i) - (static_cast<long long>(r) - 1), 0LL);
-    long long hi_i = std::min(static_cast<long long>(i) + r, static_cast<long long>(x_size_));
-    long long lo_j = std::max(static_cast<long long>(j) - (static_cast<long long>(r) - 1), 0LL);
-    long long hi_j = std::min(static_cast<long long>(j) + r, static_cast<long long>(y_size_));
-    if (lo_j >= hi_j)
+    // Half-width r - 1 around (i, j), cut at the grid's border; only valid
+    // nodes count.
+    int i0 = clamp_index(static_cast<long long>(i) - (static_cast<long long>(r) - 1), x_size_);
+    int i1 = clamp_index(static_cast<long long>(i) + r, x_size_);
+    int j0 = clamp_index(static_cast<long long>(j) - (static_cast<long long>(r) - 1), y_size_);
+    int j1 = clamp_index(static_cast<long long>(j) + r, y_size_);
+    if (j0 >= j1)
         return 0.0;
     double sum = 0.0;
     int count = 0;
-    for (int a = static_cast<int>(lo_i); a < hi_i; a++)
-        for (int b = static_cast<int>(lo_j); b < hi_j; b++) {
+    for (int a = i0; a < i1; a++)
+        for (int b = j0; b < j1; b++) {
             double z = point(a, b).z();
-            if (map.is_inside_the_cros_map(a, b) && z > valid_z) {
+            if (inside(a, b) && z > valid_z) {
                 sum += z;
                 count++;
             }
         }
     return count == 0 ? 0.0 : sum / count;
+}
+
+double vmiBaseGrid::everage_height(const int& i, const int& j, const int& r)
+{
+    return mean_height(i, j, r, [](int, int) { return true; });
+}
+
+double vmiBaseGrid::everage_height(vmiPolylineGridMap& map, const int& i, const int& j, const int& r)
+{
+    // As the plain mean, counting only nodes inside the outline.
+    return mean_height(i, j, r, [&map](int a, int b) { return map.is_inside_the_cros_map(a, b); });
 }
 
 void vmiBaseGrid::do_smoothing(const int& r)
@@ -148,25 +161,17 @@ vmiBaseGrid* vmiBaseGrid::doubled()
 
 void vmiBaseGrid::drop(m03DPoint* pts, const int& n)
 {
-    if (pts == nullptr || n < 1)
-        return;
-    for (int k = 0; k < n; k++) {
-        const m03DPoint& p = pts[k];
-        if (!(p.z() > empty_z))
-            continue;
-        const int i = intf(p.x() / d_x_);
-        const int j = intf(p.y() / d_y_);
+    each_point_at_node(pts, n, empty_z, [this](int i, int j, double z) {
         // Negative indices are left to point(): the read sees the fallback and
         // the write is dropped.
         if (i < x_size_ && j < y_size_)
-            set_z(i, j, point(i, j).z() + p.z());
-    }
+            set_z(i, j, point(i, j).z() + z);
+    });
 }
 
 void vmiBaseGrid::drop(vmiBaseGrid& other)
 {
-    long long n = std::min(static_cast<long long>(other.x_size_) * other.y_size_, other.capacity_);
-    drop(other.points_array(), static_cast<int>(std::max(n, 0LL)));
+    drop(other.points_array(), held_nodes(other));
 }
 
 // ---------------------------------------------------------------------------
@@ -194,6 +199,70 @@ void vmiBaseGrid::cut_boundary(m03DVector* outline)
 {
     vmiPolylineGridMap map(this, outline);
     cut_boundary(map);
+}
+
+m03DPoint& vmiBaseGrid::line_node(int k, int fixed, bool along_x)
+{
+    return along_x ? point(k, fixed) : point(fixed, k);
+}
+
+void vmiBaseGrid::put_line_z(vmiBaseGrid* dst, int k, int fixed, bool along_x, const double& z)
+{
+    m03DPoint p = line_node(k, fixed, along_x);
+    p.set_z(z);
+    if (along_x)
+        dst->point(k, fixed, p);
+    else
+        dst->point(fixed, k, p);
+}
+
+void vmiBaseGrid::fill_line2(vmiBaseGrid* dst, int* crossings, int fixed, bool along_x)
+{
+    if (dst == nullptr || crossings == nullptr || crossings[0] < 1)
+        return;
+    const int limit = along_x ? x_size_ : y_size_;
+    const int c1 = crossings[1];
+    const int cn = crossings[crossings[0]];
+    auto average_at = [&](int k) {
+        return along_x ? everage_height(k, fixed, 2) : everage_height(fixed, k, 2);
+    };
+
+    for (int k = 0; k < clamp_index(c1, limit); k++)
+        put_line_z(dst, k, fixed, along_x, empty_z);
+
+    // The gap before the first valid node takes the mean around it; the node
+    // itself keeps its height.
+    for (int k = clamp_index(c1, limit); k < clamp_index(cn, limit); k++) {
+        if (line_node(k, fixed, along_x).z() > valid_z) {
+            double a = average_at(k);
+            for (int m = clamp_index(c1, limit); m < k; m++)
+                put_line_z(dst, m, fixed, along_x, a);
+            break;
+        }
+    }
+    // The gap after the last valid node takes the mean around it, and here the
+    // node itself is overwritten too: the asymmetry is kept as designed.
+    for (int k = std::min(cn, limit - 1); k > c1 && k >= 0; k--) {
+        if (line_node(k, fixed, along_x).z() > valid_z) {
+            double a = average_at(k);
+            for (int m = k; m < clamp_index(cn, limit); m++)
+                put_line_z(dst, m, fixed, along_x, a);
+            break;
+        }
+    }
+
+    for (int k = clamp_index(cn, limit); k < limit; k++)
+        put_line_z(dst, k, fixed, along_x, empty_z);
+}
+
+void vmiBaseGrid::fill_row2(vmiBaseGrid* dst, int* crossings, int j)
+{
+    fill_line2(dst, crossings, j, true);
+}
+
+void vmiBaseGrid::fill_colm2(vmiBaseGrid* dst, int* crossings, int i)
+{
+    fill_line2(dst, crossings, i, false);
 }
 
 vmiBaseGrid* vmiBaseGrid::cut_boundary2(vmiPolylineGridMap& map)

@@ -158,7 +158,7 @@ m0BspCurve* vmiHPelotte::create_bsp_curve(m03DVector* pts, const int& order)
     // cannot evaluate would only ask for a longer knot vector.
     if (pts == nullptr)
         return nullptr;
-    if (order < 2 || order > m0BspCurve::kMaxOrder) {
+    if (order < 2 || order > m0BspCurve::max_order) {
         delete pts;
         return nullptr;
     }

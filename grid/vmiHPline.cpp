@@ -43,7 +43,7 @@ m0BspCurve* vmiHPline::create_bsp_curve(m03DVector* pts, const int& order)
 {
     // The curve adopts pts; where no curve comes of them they are freed here.
     std::unique_ptr<m03DVector> owned(pts);
-    if (pts == nullptr || order < 2 || order > m0BspCurve::kMaxOrder)
+    if (pts == nullptr || order < 2 || order > m0BspCurve::max_order)
         return nullptr;
     const int k = order;
     const int m = pts->size() < 0 ? 0 : pts->size();

@@ -20,7 +20,10 @@ bool add_vertices(vmiBaseGrid& grid, int nx, int ny, std::vector<int>& index, gi
         for (int i = 0; i < nx; i++) {
             const m03DPoint& p = grid.point(i, j);
             int k = -1;
-            if (p.z() > vmiTriBlock::missing_height) {
+            // A missing height is no vertex: the scan import stores one as
+            // -1000000000 * dz, the grid an empty node as empty_z, both at or
+            // below valid_z.
+            if (p.z() > vmiBaseGrid::valid_z) {
                 if (!vertices.add(giPoint3(p.x(), p.y(), p.z())))
                     return false;
                 k = count++;

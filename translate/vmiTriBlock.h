@@ -12,16 +12,13 @@ class vmiObjGrid;
 
 class vmiTriBlock {
 public:
-    // Heights at or below this are missing: the scan import stores a missing
-    // height as -1000000000 * dz, the grid marks an empty node with -10000.0.
-    static constexpr double missing_height = -1000.0;
-
     explicit vmiTriBlock(vmiObjGrid* record) : record_(record) {}
     vmiObjGrid* record() const { return record_; }
 
-    // Fills tb with the grid's present nodes as vertices (row by row) and two
-    // triangles per cell where the nodes allow; 1 when it made at least 3
-    // vertices and 1 triangle, else 0 (0 at once without a record).
+    // Fills tb with the grid's present nodes (those above vmiBaseGrid::valid_z)
+    // as vertices (row by row) and two triangles per cell where the nodes
+    // allow; 1 when it made at least 3 vertices and 1 triangle, else 0 (0 at
+    // once without a record).
     int convert(giTriBlock& tb) const;
     // TRIANGLEBLOCK, NAME, LAYER, and COLOUR when the record's colour is non-zero.
     void set_attributes(qorabsAttributeSet& set) const;

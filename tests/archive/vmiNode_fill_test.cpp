@@ -21,22 +21,10 @@
 #include "grid/vmiBaseGrid.h"
 #include "host/qorResourceTable.h"
 #include "tests/support/contourText.h"
+#include "tests/support/optionScope.h"
 #include "tests/support/vlmWriter.h"
 
 namespace {
-
-// Sets an option for the test's duration, then back on.
-class option_set {
-public:
-    option_set(const char* key, int value) : key_(utString(key))
-    {
-        qor_resource_table_inquire()->set_bool(key_, value);
-    }
-    ~option_set() { qor_resource_table_inquire()->set_bool(key_, 1); }
-
-private:
-    utBoolcoResourceKey key_;
-};
 
 void add_entry(vmiFile& f, vmiEntryKind type, int indx, const std::string& bytes)
 {
@@ -81,19 +69,10 @@ std::string image()
     return vlm::pcim_entry(im);
 }
 
-// A small design: grid geometry, the blank's outline and, when finished, the
-// insole outline (the finished model lets the base grid go).
+// A small design; when finished, the model lets the base grid go.
 std::string design(bool finished = true)
 {
-    std::vector<double> x, y, xi, yi;
-    vlm::foot_outline(31, 10, 10, 40, 90, x, y);
-    vlm::foot_outline(31, 12, 12, 36, 86, xi, yi);
-    vlm::contour_text t("0001 design");
-    t.kerneldata(60, 110, 1.0, 1.0, 10.0, 10.0);
-    t.rohlingsdaten("sole", x, y, {}, {}, {}, 3.0, 8.0);
-    if (finished)
-        t.hcontour2("insole", xi, yi);
-    return t.end().text();
+    return vlm::small_design(finished);
 }
 
 vmiObject* only_object(vmiNode* n)
@@ -111,7 +90,7 @@ std::vector<std::string> child_names(vmiNode* n)
 
 } // namespace
 
-TEST(FillNode, BuildsRootLevelGroupsAndScanGroupNamedAfterTheLevel2Title)
+TEST(vmiFile, FillNode_BuildsRootLevelGroupsAndScanGroupNamedAfterTheLevel2Title)
 {
     vmiFile f;
     process(f, {{5, scan()}}, groups().level3(1, 1, 0, 101, "2021-01-01", "scan", "", 5));
@@ -135,7 +114,7 @@ TEST(FillNode, BuildsRootLevelGroupsAndScanGroupNamedAfterTheLevel2Title)
     EXPECT_EQ(o->level(), 10);
 }
 
-TEST(FillNode, ScanRecordOfType2206IsSkippedWithEveryOptionOn)
+TEST(vmiFile, FillNode_ScanRecordOfType2206IsSkippedWithEveryOptionOn)
 {
     vmiFile f;
     process(f, {{5, scan()}}, groups().level3(1, 1, 0, 206, "d", "scan", "", 5));
@@ -144,7 +123,7 @@ TEST(FillNode, ScanRecordOfType2206IsSkippedWithEveryOptionOn)
     EXPECT_EQ(f.common_no_of_obj(), 0);
 }
 
-TEST(FillNode, Type2Of101And1BothGiveTheLeftSideAndAnImageOf201KeepsThePreviousScansSide)
+TEST(vmiFile, FillNode_Type2Of101And1BothGiveTheLeftSideAndAnImageOf201KeepsThePreviousScansSide)
 {
     vmiFile f;
     process(f, {{5, scan()}, {6, image()}},
@@ -163,7 +142,7 @@ TEST(FillNode, Type2Of101And1BothGiveTheLeftSideAndAnImageOf201KeepsThePreviousS
     EXPECT_EQ(im->type(), vmiObject::cloud_type);
 }
 
-TEST(FillNode, TwoScansGetLevels10And11AndTheFollowingImageTheSecondScansLevelAndLayer)
+TEST(vmiFile, FillNode_TwoScansGetLevels10And11AndTheFollowingImageTheSecondScansLevelAndLayer)
 {
     vmiFile f;
     process(f, {{5, scan()}, {6, image()}},
@@ -187,7 +166,7 @@ TEST(FillNode, TwoScansGetLevels10And11AndTheFollowingImageTheSecondScansLevelAn
     EXPECT_EQ(f.common_no_of_obj(11), 2);
 }
 
-TEST(FillNode, LevelsStartAt10AgainInTheNextCatalogue)
+TEST(vmiFile, FillNode_LevelsStartAt10AgainInTheNextCatalogue)
 {
     vmiFile f;
     process(f, {{5, scan()}}, groups().level3(1, 1, 0, 101, "a", "", "", 5).level3(1, 2, 0, 101, "b", "", "", 5));
@@ -197,7 +176,7 @@ TEST(FillNode, LevelsStartAt10AgainInTheNextCatalogue)
     EXPECT_EQ(child_names(f.root()), (std::vector<std::string>{"Client,Case", "Client,Case"}));
 }
 
-TEST(FillNode, WithScanDataOffAndImagesOnARecordOfType2Of2IsTakenAsAnImage)
+TEST(vmiFile, FillNode_WithScanDataOffAndImagesOnARecordOfType2Of2IsTakenAsAnImage)
 {
     option_set off(vmiFile::opt_process_scan_data, 0);
     vmiFile f;
@@ -215,7 +194,7 @@ TEST(FillNode, WithScanDataOffAndImagesOnARecordOfType2Of2IsTakenAsAnImage)
     EXPECT_EQ(group->first_child()->name(), utString("Scans : Left"));
 }
 
-TEST(FillNode, WithScanDataOffAScanModelEntryGivesNoObject)
+TEST(vmiFile, FillNode_WithScanDataOffAScanModelEntryGivesNoObject)
 {
     option_set off(vmiFile::opt_process_scan_data, 0);
     vmiFile f;
@@ -225,7 +204,7 @@ TEST(FillNode, WithScanDataOffAScanModelEntryGivesNoObject)
     ASSERT_NE(f.find_node(utString("VelmScan(Scans)")), nullptr);
 }
 
-TEST(FillNode, ImageBeforeAnyScanTakesLevel0AndTheLatestBuiltName)
+TEST(vmiFile, FillNode_ImageBeforeAnyScanTakesLevel0AndTheLatestBuiltName)
 {
     vmiFile f;
     process(f, {{6, image()}}, groups().level3(1, 1, 0, 150, "d", "", "", 6));
@@ -238,7 +217,7 @@ TEST(FillNode, ImageBeforeAnyScanTakesLevel0AndTheLatestBuiltName)
     EXPECT_EQ(im->name(), utString("IMAGE_d"));
 }
 
-TEST(FillNode, ModelWhoseRefIndxMatchesNoRecordIsBuiltWithoutAGrid)
+TEST(vmiFile, FillNode_ModelWhoseRefIndxMatchesNoRecordIsBuiltWithoutAGrid)
 {
     vmiFile f;
     process(f, {{8, design()}}, groups().level3(3, 1, 99, 2, "m", "", "", 8));
@@ -255,7 +234,7 @@ TEST(FillNode, ModelWhoseRefIndxMatchesNoRecordIsBuiltWithoutAGrid)
     EXPECT_GT(f.common_no_of_obj(), 0);
 }
 
-TEST(FillNode, ModelTakesTheGridOfTheRecordItRefersToAndTheContourCounter)
+TEST(vmiFile, FillNode_ModelTakesTheGridOfTheRecordItRefersToAndTheContourCounter)
 {
     vmiFile f;
     process(f, {{5, scan(3, 4)}, {8, design()}, {9, design(false)}},
@@ -275,7 +254,7 @@ TEST(FillNode, ModelTakesTheGridOfTheRecordItRefersToAndTheContourCounter)
     EXPECT_NE(f.find_obj(utString("FINISH_MODEL~1")), nullptr);
 }
 
-TEST(FillNode, ModelEntryThatIsNotContourTextMakesNoNode)
+TEST(vmiFile, FillNode_ModelEntryThatIsNotContourTextMakesNoNode)
 {
     vmiFile f;
     process(f, {{8, "0002 not a design"}, {9, scan()}},
@@ -286,7 +265,7 @@ TEST(FillNode, ModelEntryThatIsNotContourTextMakesNoNode)
     EXPECT_EQ(f.contour_counter(), 0);
 }
 
-TEST(FillNode, RecordsBeforeAnyLevel2GroupAreSkipped)
+TEST(vmiFile, FillNode_RecordsBeforeAnyLevel2GroupAreSkipped)
 {
     vmiFile f;
     process(f, {{5, scan()}, {8, design()}},
@@ -305,7 +284,7 @@ TEST(FillNode, RecordsBeforeAnyLevel2GroupAreSkipped)
     EXPECT_EQ(only_object(f.find_node(utString("SCAN_(LEFT)_late")))->level(), 10);
 }
 
-TEST(FillNode, Level2GroupBeforeAnyLevel1GroupStaysOutOfTheTree)
+TEST(vmiFile, FillNode_Level2GroupBeforeAnyLevel1GroupStaysOutOfTheTree)
 {
     vmiFile f;
     process(f, {{5, scan()}},
@@ -322,7 +301,7 @@ TEST(FillNode, Level2GroupBeforeAnyLevel1GroupStaysOutOfTheTree)
     EXPECT_EQ(only_object(f.find_node(utString("SCAN_(LEFT)_kept")))->level(), 11);
 }
 
-TEST(FillNode, WithEveryOptionOffLevelGroupsStayAndTheLevel2GroupsAreEmpty)
+TEST(vmiFile, FillNode_WithEveryOptionOffLevelGroupsStayAndTheLevel2GroupsAreEmpty)
 {
     option_set scans(vmiFile::opt_process_scan_data, 0);
     option_set images(vmiFile::opt_process_image_data, 0);
@@ -342,7 +321,7 @@ TEST(FillNode, WithEveryOptionOffLevelGroupsStayAndTheLevel2GroupsAreEmpty)
     EXPECT_FALSE(f.orthotic_data_on());
 }
 
-TEST(FillNode, OptionsAreReadAgainAtEveryCatalogue)
+TEST(vmiFile, FillNode_OptionsAreReadAgainAtEveryCatalogue)
 {
     vmiFile f;
     {
@@ -354,7 +333,7 @@ TEST(FillNode, OptionsAreReadAgainAtEveryCatalogue)
     EXPECT_NE(f.find_node(utString("SCAN_(LEFT)_on")), nullptr);
 }
 
-TEST(FillNode, ReadOfAWholeArchiveReportsTheRoot)
+TEST(vmiFile, FillNode_ReadOfAWholeArchiveReportsTheRoot)
 {
     vlm::archive a;
     a.add("VLM00005.dat", vlm::chunk_chain(scan(), 100));
@@ -387,7 +366,7 @@ void* walk_big(void* arg)
 
 } // namespace
 
-TEST(FillNode, CatalogueOf100000RecordsIsWalkedOnASmallStack)
+TEST(vmiFile, FillNode_CatalogueOf100000RecordsIsWalkedOnASmallStack)
 {
     // 99999 level-2 groups in one level-1 group, the last with a scan: the
     // walks loop over the level-2 list and fit in 256 KiB of stack.
@@ -425,12 +404,11 @@ TEST(FillNode, CatalogueOf100000RecordsIsWalkedOnASmallStack)
     EXPECT_EQ(w.missing, nullptr);
 }
 
-TEST(FillNode, RecordsWhosePointsWouldPassTheTreesBudgetAreSkipped)
+TEST(vmiFile, FillNode_RecordsWhosePointsWouldPassTheTreesBudgetAreSkipped)
 {
     // The budget is lowered to 10 points: two 2 x 2 scans fit, a third scan
     // and the image do not, nor does a model with its grids.
     vmiFile f;
-    EXPECT_EQ(vmiFile::max_tree_points, 1LL << 24);
     f.set_point_budget(10);
     process(f, {{5, scan()}, {6, image()}, {8, design()}},
             groups()
@@ -453,4 +431,19 @@ TEST(FillNode, RecordsWhosePointsWouldPassTheTreesBudgetAreSkipped)
             groups().level3(1, 1, 0, 101, "big", "", "", 5).level3(1, 2, 0, 101, "small", "", "", 6));
     EXPECT_EQ(g.find_node(utString("SCAN_(LEFT)_big")), nullptr);
     EXPECT_EQ(only_object(g.find_node(utString("SCAN_(LEFT)_small")))->level(), 10);
+}
+
+TEST(vmiFile, FillNode_RecordFillingTheBudgetExactlyIsTakenAndOnePointPastIsNot)
+{
+    // Two 2 x 2 scans hold 8 points: with a budget of 8 both are taken, with
+    // 7 the second is not.
+    for (long long budget : {8LL, 7LL}) {
+        vmiFile f;
+        f.set_point_budget(budget);
+        process(f, {{5, scan()}},
+                groups().level3(1, 1, 0, 101, "a", "", "", 5).level3(1, 2, 0, 101, "b", "", "", 5));
+        EXPECT_NE(f.find_node(utString("SCAN_(LEFT)_a")), nullptr) << budget;
+        EXPECT_EQ(f.find_node(utString("SCAN_(LEFT)_b")) != nullptr, budget == 8) << budget;
+        EXPECT_EQ(f.tree_points(), budget == 8 ? 8 : 4) << budget;
+    }
 }

@@ -1,6 +1,8 @@
 // Object records and the vmiObject handle: types, forwarding, boxes, ownership.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 
 #include "archive/vmiObjCloud.h"
@@ -11,19 +13,7 @@
 #include "curves/m03DVector.h"
 #include "grid/vmiBaseGrid.h"
 #include "host/rnxNurbCurve3.h"
-
-namespace {
-
-m03DVector* make_points(std::initializer_list<m03DPoint> pts)
-{
-    m03DVector* v = new m03DVector(static_cast<int>(pts.size()));
-    int i = 0;
-    for (const m03DPoint& p : pts)
-        v->set_point(i++, p);
-    return v;
-}
-
-}  // namespace
+#include "tests/support/testGeometry.h"
 
 TEST(vmiObjSpline, FromNullVector_HasNoSplineNoApproximationInvalidBoxAndNurbLeavesPointer)
 {
@@ -51,7 +41,7 @@ TEST(vmiObjSpline, FromEmptyVector_HasNoSplineNoApproximationInvalidBoxAndNurbLe
 
 TEST(vmiObjSpline, FromPoints_KeepsApproximationThroughEndsAndBoxOfIt)
 {
-    vmiObjSpline s(utString("arc"), make_points({{0, 0, 0}, {10, 5, 0}, {20, 0, 0}}));
+    vmiObjSpline s(utString("arc"), polyline({{0, 0, 0}, {10, 5, 0}, {20, 0, 0}}).release());
     ASSERT_NE(s.spline(), nullptr);
     ASSERT_NE(s.approximation(), nullptr);
     m03DVector* a = s.approximation();
@@ -70,9 +60,69 @@ TEST(vmiObjSpline, FromPoints_KeepsApproximationThroughEndsAndBoxOfIt)
     EXPECT_EQ(c->num_points(), 7);
 }
 
-TEST(vmiObjSpline, ApproximationToleranceIsHalfAUnit)
+namespace {
+
+// A closed outline of 33 points on a circle of radius r around the origin.
+m03DVector* circle_outline(double r)
 {
-    EXPECT_EQ(vmiObjSpline::approximation_tolerance, 0.5);
+    const int n = 33;
+    auto* v = new m03DVector(n);
+    for (int i = 0; i < n; i++) {
+        const double a = i == n - 1 ? 0.0 : 2.0 * std::acos(-1.0) * i / (n - 1);
+        v->set_point(i, m03DPoint(r * std::cos(a), r * std::sin(a), 0.0));
+    }
+    return v;
+}
+
+// The largest distance of a chord's midpoint inside the circle of radius r.
+double largest_sagitta(m03DVector& outline, double r)
+{
+    double most = 0.0;
+    for (int k = 0; k + 1 < outline.size(); k++) {
+        const m03DPoint m = (outline.point(k) + outline.point(k + 1)) / 2.0;
+        most = std::max(most, r - std::sqrt(m.x() * m.x() + m.y() * m.y()));
+    }
+    return most;
+}
+
+}  // namespace
+
+TEST(vmiObjSpline, Approximation_HalvesASpanStepOnlyWhenItsChordLeavesTheCurveByMoreThanHalfAUnit)
+{
+    // The walk takes two steps per knot span while each chord's midpoint stays
+    // within half a unit of the curve. On a circle of radius 405 such a chord
+    // lies 0.489 inside it: 32 spans, 65 points.
+    vmiObjSpline within(utString("r405"), circle_outline(405.0));
+    ASSERT_NE(within.approximation(), nullptr);
+    EXPECT_EQ(within.approximation()->size(), 65);
+    EXPECT_GT(largest_sagitta(*within.approximation(), 405.0), 0.48);
+    EXPECT_LE(largest_sagitta(*within.approximation(), 405.0), 0.5);
+    // Radius 420: 0.507, beyond half a unit, so every step is halved.
+    vmiObjSpline beyond(utString("r420"), circle_outline(420.0));
+    ASSERT_NE(beyond.approximation(), nullptr);
+    EXPECT_EQ(beyond.approximation()->size(), 129);
+    EXPECT_LT(largest_sagitta(*beyond.approximation(), 420.0), 0.13);
+}
+
+TEST(vmiObject, Wrap_NullRecordGivesNoHandle)
+{
+    EXPECT_EQ(vmiObject::wrap(static_cast<vmiObjGrid*>(nullptr)), nullptr);
+    EXPECT_EQ(vmiObject::wrap(static_cast<vmiObjPoly*>(nullptr)), nullptr);
+    EXPECT_EQ(vmiObject::wrap(static_cast<vmiObjCloud*>(nullptr)), nullptr);
+    EXPECT_EQ(vmiObject::wrap(static_cast<vmiObjSpline*>(nullptr)), nullptr);
+}
+
+TEST(vmiObject, Wrap_HandleOwnsTheRecordUnderItsType)
+{
+    auto* poly = new vmiObjPoly(utString("p"), polyline({{0, 0, 0}, {1, 0, 0}}).release());
+    std::unique_ptr<vmiObject> o(vmiObject::wrap(poly));
+    ASSERT_NE(o, nullptr);
+    EXPECT_EQ(o->type(), vmiObject::polyline_type);
+    EXPECT_EQ(o->polyline(), poly);
+    auto* grid = new vmiObjGrid(utString("g"), new vmiBaseGrid(2, 2, 1.0, 1.0));
+    std::unique_ptr<vmiObject> g(vmiObject::wrap(grid));
+    ASSERT_NE(g, nullptr);
+    EXPECT_EQ(g->grid(), grid);
 }
 
 TEST(vmiObject, SettersOnObjectWithoutRecordDoNothing)
@@ -108,7 +158,7 @@ TEST(vmiObject, SettersOnObjectOfUnknownTypeDoNothing)
 
 TEST(vmiObject, SettersForwardToRecordAttributes)
 {
-    vmiObjPoly* p = new vmiObjPoly(utString("a"), make_points({{0, 0, 0}}));
+    vmiObjPoly* p = new vmiObjPoly(utString("a"), polyline({{0, 0, 0}}).release());
     vmiObject o(p);
     o.name(utString("b"));
     o.layer_name(utString("L"));
@@ -124,7 +174,7 @@ TEST(vmiObject, SettersForwardToRecordAttributes)
 TEST(vmiObject, GridOnPolylineObjectAndEachOtherMismatchReturnNull)
 {
     vmiObject grid(new vmiObjGrid(utString("g"), new vmiBaseGrid(2, 2, 1.0, 1.0)));
-    vmiObject poly(new vmiObjPoly(utString("p"), make_points({{0, 0, 0}})));
+    vmiObject poly(new vmiObjPoly(utString("p"), polyline({{0, 0, 0}}).release()));
     vmiObject cloud(new vmiObjCloud(utString("c"), new m03DPoint[1], new int[1]{5}, 1));
     vmiObject spline(new vmiObjSpline(utString("s"), nullptr));
     EXPECT_EQ(grid.type(), 1);
@@ -180,7 +230,7 @@ TEST(vmiObjGrid, WithoutGridAnswersZeroAndInvalidBox)
 
 TEST(vmiObjPoly, BoxIsBoundingBoxOfPoints)
 {
-    vmiObject o(new vmiObjPoly(utString("p"), make_points({{1, -2, 3}, {-4, 5, 0}})));
+    vmiObject o(new vmiObjPoly(utString("p"), polyline({{1, -2, 3}, {-4, 5, 0}}).release()));
     giBox3 box = o.box();
     EXPECT_EQ(box.min(), giPoint3(-4, -2, 0));
     EXPECT_EQ(box.max(), giPoint3(1, 5, 3));

@@ -2,6 +2,7 @@
 
 #include "curves/m03DVector.h"
 #include "grid/vmiBaseGrid.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
@@ -40,15 +41,6 @@ struct vmiPolylineGridMapProbe {
 namespace {
 
 using Probe = vmiPolylineGridMapProbe;
-
-std::unique_ptr<m03DVector> polyline(std::initializer_list<m03DPoint> pts)
-{
-    auto v = std::make_unique<m03DVector>(static_cast<int>(pts.size()));
-    int i = 0;
-    for (const m03DPoint& p : pts)
-        v->set_point(i++, p);
-    return v;
-}
 
 std::vector<int> list_of(const int* list)
 {
@@ -95,7 +87,7 @@ void expect_start_extremes(vmiPolylineGridMap& m)
 
 }  // namespace
 
-TEST(VmiPolylineGridMap, Rectangle_EveryRowHoldsBothSides)
+TEST(vmiPolylineGridMap, Rectangle_EveryRowHoldsBothSides)
 {
     // Spacings 2 and 3: the rectangle spans 10 columns and 20 rows of cells.
     vmiBaseGrid grid(15, 25, 2.0, 3.0);
@@ -119,7 +111,7 @@ TEST(VmiPolylineGridMap, Rectangle_EveryRowHoldsBothSides)
     EXPECT_EQ(map.y_max(), 20);
 }
 
-TEST(VmiPolylineGridMap, OutlineBeyondGrid_ClampedToBorderColumnsAndRows)
+TEST(vmiPolylineGridMap, OutlineBeyondGrid_ClampedToBorderColumnsAndRows)
 {
     vmiBaseGrid grid(5, 6, 1.0, 1.0);
     auto outline = polyline({{-10, -10, 0}, {100, -10, 0}, {100, 100, 0}, {-10, 100, 0}, {-10, -10, 0}});
@@ -132,7 +124,7 @@ TEST(VmiPolylineGridMap, OutlineBeyondGrid_ClampedToBorderColumnsAndRows)
         EXPECT_EQ(list_of(map.get_y_intersections(j)), (std::vector<int>{0, 4})) << "row " << j;
 }
 
-TEST(VmiPolylineGridMap, Projection_HalfCellRoundsDownAboveHalfUp)
+TEST(vmiPolylineGridMap, Projection_HalfCellRoundsDownAboveHalfUp)
 {
     vmiBaseGrid grid(10, 10, 2.0, 2.0);
     auto half = polyline({{0, 0, 0}, {7.0, 0, 0}});  // 3.5 cells
@@ -144,7 +136,7 @@ TEST(VmiPolylineGridMap, Projection_HalfCellRoundsDownAboveHalfUp)
     EXPECT_EQ(list_of(b.get_y_intersections(0)), (std::vector<int>{0, 4}));
 }
 
-TEST(VmiPolylineGridMap, CheckYCollisions_ThirdCrossingFarFromNeighboursRemoved)
+TEST(vmiPolylineGridMap, CheckYCollisions_ThirdCrossingFarFromNeighboursRemoved)
 {
     vmiBaseGrid grid(10, 3, 1.0, 1.0);
     vmiPolylineGridMap map(&grid, nullptr);
@@ -154,7 +146,7 @@ TEST(VmiPolylineGridMap, CheckYCollisions_ThirdCrossingFarFromNeighboursRemoved)
     EXPECT_EQ(list_of(map.get_y_intersections(0)), (std::vector<int>{2, 8}));
 }
 
-TEST(VmiPolylineGridMap, CheckYCollisions_EqualSumsRemoveEarlierEntry)
+TEST(vmiPolylineGridMap, CheckYCollisions_EqualSumsRemoveEarlierEntry)
 {
     vmiBaseGrid grid(10, 3, 1.0, 1.0);
     vmiPolylineGridMap map(&grid, nullptr);
@@ -163,7 +155,7 @@ TEST(VmiPolylineGridMap, CheckYCollisions_EqualSumsRemoveEarlierEntry)
     EXPECT_EQ(list_of(map.get_y_intersections(1)), (std::vector<int>{5, 9}));
 }
 
-TEST(VmiPolylineGridMap, CheckYCollisions_MissingNeighbourRowFavoursNoEntry)
+TEST(vmiPolylineGridMap, CheckYCollisions_MissingNeighbourRowFavoursNoEntry)
 {
     // Row 0 has no list: only row 2 decides, and 6 lies farthest from it.
     vmiBaseGrid grid(10, 3, 1.0, 1.0);
@@ -173,7 +165,7 @@ TEST(VmiPolylineGridMap, CheckYCollisions_MissingNeighbourRowFavoursNoEntry)
     EXPECT_EQ(list_of(map.get_y_intersections(1)), (std::vector<int>{1, 2}));
 }
 
-TEST(VmiPolylineGridMap, CheckYCollisions_FirstAndLastRowsLeftAlone)
+TEST(vmiPolylineGridMap, CheckYCollisions_FirstAndLastRowsLeftAlone)
 {
     vmiBaseGrid grid(10, 3, 1.0, 1.0);
     vmiPolylineGridMap map(&grid, nullptr);
@@ -183,7 +175,7 @@ TEST(VmiPolylineGridMap, CheckYCollisions_FirstAndLastRowsLeftAlone)
     EXPECT_EQ(list_of(map.get_y_intersections(2)), (std::vector<int>{1, 4, 9}));
 }
 
-TEST(VmiPolylineGridMap, PixDist_NearestValueEmptyListFarMissingListZero)
+TEST(vmiPolylineGridMap, PixDist_NearestValueEmptyListFarMissingListZero)
 {
     int list[] = {3, 2, 7, 20};
     EXPECT_EQ(Probe::pix_dist(9, list), 2);
@@ -193,7 +185,7 @@ TEST(VmiPolylineGridMap, PixDist_NearestValueEmptyListFarMissingListZero)
     EXPECT_EQ(Probe::pix_dist(9, nullptr), 0);
 }
 
-TEST(VmiPolylineGridMap, GetIntersections_OutsideGridReturnsNull)
+TEST(vmiPolylineGridMap, GetIntersections_OutsideGridReturnsNull)
 {
     vmiBaseGrid grid(5, 6, 1.0, 1.0);
     auto outline = polyline({{0, 0, 0}, {4, 0, 0}, {4, 5, 0}, {0, 5, 0}, {0, 0, 0}});
@@ -208,7 +200,7 @@ TEST(VmiPolylineGridMap, GetIntersections_OutsideGridReturnsNull)
     EXPECT_FALSE(map.is_inside_the_cros_map(2, 6));
 }
 
-TEST(VmiPolylineGridMap, Extremes_StartValuesOnlyWhenNothingProjected)
+TEST(vmiPolylineGridMap, Extremes_StartValuesOnlyWhenNothingProjected)
 {
     vmiBaseGrid grid(5, 5, 1.0, 1.0);
     vmiPolylineGridMap none(&grid, nullptr);
@@ -227,7 +219,7 @@ TEST(VmiPolylineGridMap, Extremes_StartValuesOnlyWhenNothingProjected)
     expect_no_crossing(pair, 5, 5);  // a segment of zero length adds nothing
 }
 
-TEST(VmiPolylineGridMap, NullGrid_MakesEmptyMap)
+TEST(vmiPolylineGridMap, NullGrid_MakesEmptyMap)
 {
     auto outline = polyline({{0, 0, 0}, {4, 0, 0}, {4, 5, 0}});
     vmiPolylineGridMap map(nullptr, outline.get());
@@ -236,7 +228,7 @@ TEST(VmiPolylineGridMap, NullGrid_MakesEmptyMap)
     expect_start_extremes(map);
 }
 
-TEST(VmiPolylineGridMap, Crossing_ProductBeforeDivision)
+TEST(vmiPolylineGridMap, Crossing_ProductBeforeDivision)
 {
     // From (0, 0) to (14, 29): at column 7, (7 * 29) / 14 = 14.5 exactly, which
     // rounds down to 14; 7 * (29 / 14) would give 14.500000000000002 and 15.
@@ -249,7 +241,7 @@ TEST(VmiPolylineGridMap, Crossing_ProductBeforeDivision)
     EXPECT_EQ(list_of(map.get_x_intersections(0)), (std::vector<int>{0}));
 }
 
-TEST(VmiPolylineGridMap, VerticalAndHorizontalSegments_AddBothEnds)
+TEST(vmiPolylineGridMap, VerticalAndHorizontalSegments_AddBothEnds)
 {
     vmiBaseGrid grid(10, 10, 1.0, 1.0);
     auto vertical = polyline({{3, 2, 0}, {3, 7, 0}});
@@ -263,7 +255,7 @@ TEST(VmiPolylineGridMap, VerticalAndHorizontalSegments_AddBothEnds)
     EXPECT_EQ(list_of(h.get_x_intersections(2)), (std::vector<int>{4}));
 }
 
-TEST(VmiPolylineGridMap, Project_StraightRunsAndRepeatsCollapse)
+TEST(vmiPolylineGridMap, Project_StraightRunsAndRepeatsCollapse)
 {
     vmiBaseGrid grid(10, 10, 1.0, 1.0);
     vmiPolylineGridMap map(&grid, nullptr);
@@ -276,7 +268,7 @@ TEST(VmiPolylineGridMap, Project_StraightRunsAndRepeatsCollapse)
     EXPECT_EQ(Probe::project_count(map, nullptr), -1);
 }
 
-TEST(VmiPolylineGridMap, IsInside_OddLastEntryPairsWithNothing)
+TEST(vmiPolylineGridMap, IsInside_OddLastEntryPairsWithNothing)
 {
     vmiBaseGrid grid(10, 3, 1.0, 1.0);
     vmiPolylineGridMap map(&grid, nullptr);
@@ -288,7 +280,7 @@ TEST(VmiPolylineGridMap, IsInside_OddLastEntryPairsWithNothing)
     EXPECT_FALSE(map.is_inside_the_cros_map(2, 1));  // no list: outside
 }
 
-TEST(VmiPolylineGridMap, CheckInX_FindsRowInColumnList)
+TEST(vmiPolylineGridMap, CheckInX_FindsRowInColumnList)
 {
     vmiBaseGrid grid(10, 10, 1.0, 1.0);
     vmiPolylineGridMap map(&grid, nullptr);
@@ -298,7 +290,7 @@ TEST(VmiPolylineGridMap, CheckInX_FindsRowInColumnList)
     EXPECT_FALSE(Probe::check_in_x(map, 3, 7));
 }
 
-TEST(VmiPolylineGridMap, CheckInY_SearchesRowIListNotRowJ)
+TEST(vmiPolylineGridMap, CheckInY_SearchesRowIListNotRowJ)
 {
     vmiBaseGrid grid(10, 10, 1.0, 1.0);
     vmiPolylineGridMap map(&grid, nullptr);
@@ -312,14 +304,14 @@ TEST(VmiPolylineGridMap, CheckInY_SearchesRowIListNotRowJ)
     EXPECT_FALSE(Probe::check_in_y(map, 2, 5));
 }
 
-TEST(VmiPolylineGridMap, Intf_SameRoundingAsGrid)
+TEST(vmiPolylineGridMap, Intf_SameRoundingAsGrid)
 {
     EXPECT_EQ(Probe::intf(3.5), 3);
     EXPECT_EQ(Probe::intf(3.51), 4);
     EXPECT_EQ(Probe::intf(-2.7), -1);
 }
 
-TEST(VmiPolylineGridMap, HostileOutline_NaNAndHugeCoordinatesLandOnBorder)
+TEST(vmiPolylineGridMap, HostileOutline_NaNAndHugeCoordinatesLandOnBorder)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     vmiBaseGrid grid(8, 8, 1.0, 1.0);
@@ -332,7 +324,7 @@ TEST(VmiPolylineGridMap, HostileOutline_NaNAndHugeCoordinatesLandOnBorder)
     EXPECT_EQ(list_of(map.get_y_intersections(4)), (std::vector<int>{0, 7}));
 }
 
-TEST(VmiPolylineGridMap, HostileOutline_ZeroSpacingDoesNotCrash)
+TEST(vmiPolylineGridMap, HostileOutline_ZeroSpacingDoesNotCrash)
 {
     vmiBaseGrid grid(8, 8, 0.0, 0.0);
     auto outline = polyline({{0, 0, 0}, {3, 0, 0}, {3, -3, 0}, {0, 0, 0}});
@@ -341,7 +333,7 @@ TEST(VmiPolylineGridMap, HostileOutline_ZeroSpacingDoesNotCrash)
     EXPECT_LE(map.x_max(), 7);
 }
 
-TEST(VmiPolylineGridMap, HostileOutline_MoreStepsThanBoundGivesEmptyMap)
+TEST(vmiPolylineGridMap, HostileOutline_MoreStepsThanBoundGivesEmptyMap)
 {
     // Corner to corner across a 1000 x 1000 grid: 2000 segments step through
     // about 3 million columns and rows, beyond max_map_steps.
@@ -353,7 +345,7 @@ TEST(VmiPolylineGridMap, HostileOutline_MoreStepsThanBoundGivesEmptyMap)
     expect_start_extremes(map);
 }
 
-TEST(VmiPolylineGridMap, HostileOutline_WithinStepBoundIsMapped)
+TEST(vmiPolylineGridMap, HostileOutline_WithinStepBoundIsMapped)
 {
     // Half as many segments stay within the bound and are mapped: row 500 is
     // crossed by both diagonals, at 500 and at 999 - 500.

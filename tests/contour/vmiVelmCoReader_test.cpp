@@ -42,7 +42,7 @@ std::string take_text(vmiVelmCoReader& r)
 
 // ---- construction ----
 
-TEST(VmiVelmCoReader, Construct_NullDataHasStatusMinusOneAndReadsZero)
+TEST(vmiVelmCoReader, Construct_NullDataHasStatusMinusOneAndReadsZero)
 {
     vmiVelmCoReader r(nullptr, 10);
     EXPECT_EQ(r.status(), -1);
@@ -62,7 +62,7 @@ TEST(VmiVelmCoReader, Construct_NullDataHasStatusMinusOneAndReadsZero)
     EXPECT_EQ(take_text(r), "");
 }
 
-TEST(VmiVelmCoReader, Construct_LengthBelowOneHasStatusMinusOne)
+TEST(vmiVelmCoReader, Construct_LengthBelowOneHasStatusMinusOne)
 {
     const char data[] = "0001\n";
     vmiVelmCoReader zero(data, 0);
@@ -72,14 +72,14 @@ TEST(VmiVelmCoReader, Construct_LengthBelowOneHasStatusMinusOne)
     EXPECT_EQ(negative.new_instruction(), 0);
 }
 
-TEST(VmiVelmCoReader, Construct_OverDataIsReadyAtFirstByte)
+TEST(vmiVelmCoReader, Construct_OverDataIsReadyAtFirstByte)
 {
     Text t("0001\n");
     EXPECT_EQ(t.reader.status(), 0);
     EXPECT_EQ(t.reader.position(), 0);
 }
 
-TEST(VmiVelmCoReader, GetTfloat_StatusMinusOneReadsZero)
+TEST(vmiVelmCoReader, GetTfloat_StatusMinusOneReadsZero)
 {
     vmiVelmCoReader r(nullptr, 0);
     EXPECT_EQ(r.get_tfloat(), 0.0);
@@ -87,7 +87,7 @@ TEST(VmiVelmCoReader, GetTfloat_StatusMinusOneReadsZero)
 
 // ---- primitive moves ----
 
-TEST(VmiVelmCoReader, NextByte_SticksOnLastByte)
+TEST(vmiVelmCoReader, NextByte_SticksOnLastByte)
 {
     Text t("ab");
     EXPECT_EQ(Probe::next_byte(t.reader), 1);
@@ -97,7 +97,7 @@ TEST(VmiVelmCoReader, NextByte_SticksOnLastByte)
     EXPECT_FALSE(Probe::is_end(t.reader));
 }
 
-TEST(VmiVelmCoReader, NextByte_FromTheEndStepsBackToLastByte)
+TEST(vmiVelmCoReader, NextByte_FromTheEndStepsBackToLastByte)
 {
     Text t("abc");
     Probe::pass(t.reader, 3);
@@ -106,7 +106,7 @@ TEST(VmiVelmCoReader, NextByte_FromTheEndStepsBackToLastByte)
     EXPECT_EQ(t.reader.position(), 2);
 }
 
-TEST(VmiVelmCoReader, TestChar_MatchStepsMismatchStays)
+TEST(vmiVelmCoReader, TestChar_MatchStepsMismatchStays)
 {
     Text t("xy");
     EXPECT_EQ(Probe::test_char(t.reader, 'y'), 0);
@@ -118,7 +118,7 @@ TEST(VmiVelmCoReader, TestChar_MatchStepsMismatchStays)
     EXPECT_EQ(t.reader.position(), 1);
 }
 
-TEST(VmiVelmCoReader, TestChar_AtTheEndNeverMatches)
+TEST(vmiVelmCoReader, TestChar_AtTheEndNeverMatches)
 {
     Text t("7");
     EXPECT_EQ(Probe::get_digit(t.reader), 7);
@@ -127,7 +127,7 @@ TEST(VmiVelmCoReader, TestChar_AtTheEndNeverMatches)
     EXPECT_TRUE(Probe::is_end(t.reader));
 }
 
-TEST(VmiVelmCoReader, GetDigit_LastDigitMovesToTheEnd)
+TEST(vmiVelmCoReader, GetDigit_LastDigitMovesToTheEnd)
 {
     Text t("a42");
     EXPECT_EQ(Probe::get_digit(t.reader), -1);
@@ -139,7 +139,7 @@ TEST(VmiVelmCoReader, GetDigit_LastDigitMovesToTheEnd)
     EXPECT_EQ(Probe::get_digit(t.reader), -1);
 }
 
-TEST(VmiVelmCoReader, Pass_ClampsToTheEnd)
+TEST(vmiVelmCoReader, Pass_ClampsToTheEnd)
 {
     Text t("abcdef");
     Probe::pass(t.reader, 2);
@@ -151,7 +151,7 @@ TEST(VmiVelmCoReader, Pass_ClampsToTheEnd)
     EXPECT_TRUE(Probe::is_end(t.reader));
 }
 
-TEST(VmiVelmCoReader, PassBlank_SkipsOnlySpaces)
+TEST(vmiVelmCoReader, PassBlank_SkipsOnlySpaces)
 {
     Text t("  \tx");
     Probe::pass_blank(t.reader);
@@ -161,7 +161,7 @@ TEST(VmiVelmCoReader, PassBlank_SkipsOnlySpaces)
     EXPECT_EQ(cr.reader.position(), 0);
 }
 
-TEST(VmiVelmCoReader, PassBlank_SpaceAsLastByteStopsThere)
+TEST(vmiVelmCoReader, PassBlank_SpaceAsLastByteStopsThere)
 {
     Text t("a   ");
     Probe::next_byte(t.reader);
@@ -170,14 +170,14 @@ TEST(VmiVelmCoReader, PassBlank_SpaceAsLastByteStopsThere)
     EXPECT_FALSE(Probe::is_end(t.reader));
 }
 
-TEST(VmiVelmCoReader, PassString_LeavesCursorAfterLineFeed)
+TEST(vmiVelmCoReader, PassString_LeavesCursorAfterLineFeed)
 {
     Text t("abc\r\ndef\n");
     Probe::pass_string(t.reader);
     EXPECT_EQ(t.reader.position(), 5);
 }
 
-TEST(VmiVelmCoReader, PassString_FinalLineFeedIsWhereTheCursorRests)
+TEST(vmiVelmCoReader, PassString_FinalLineFeedIsWhereTheCursorRests)
 {
     Text t("abc\n");
     Probe::pass_string(t.reader);
@@ -186,7 +186,7 @@ TEST(VmiVelmCoReader, PassString_FinalLineFeedIsWhereTheCursorRests)
     EXPECT_EQ(t.reader.position(), 3);
 }
 
-TEST(VmiVelmCoReader, PassString_LastByteNeitherLineFeedNorDigitStopsThere)
+TEST(vmiVelmCoReader, PassString_LastByteNeitherLineFeedNorDigitStopsThere)
 {
     Text t("abc");
     Probe::pass_string(t.reader);
@@ -195,7 +195,7 @@ TEST(VmiVelmCoReader, PassString_LastByteNeitherLineFeedNorDigitStopsThere)
     EXPECT_EQ(t.reader.position(), 2);
 }
 
-TEST(VmiVelmCoReader, PassString_AtTheEndDoesNothing)
+TEST(vmiVelmCoReader, PassString_AtTheEndDoesNothing)
 {
     Text t("1");
     Probe::get_digit(t.reader);
@@ -205,26 +205,26 @@ TEST(VmiVelmCoReader, PassString_AtTheEndDoesNothing)
 
 // ---- instructions ----
 
-TEST(VmiVelmCoReader, NewInstruction_FirstLineIsSkippedEvenWhenAnInstruction)
+TEST(vmiVelmCoReader, NewInstruction_FirstLineIsSkippedEvenWhenAnInstruction)
 {
     Text t("0200 Rohlingsdaten\n0300 HPelotte\n");
     EXPECT_EQ(t.reader.new_instruction(), 300);
 }
 
-TEST(VmiVelmCoReader, NewInstruction_NumberThenSpaceThenKeyTest)
+TEST(vmiVelmCoReader, NewInstruction_NumberThenSpaceThenKeyTest)
 {
     Text t("0001\n0300 HPelotte\n");
     EXPECT_EQ(t.reader.new_instruction(), 300);
     EXPECT_EQ(t.reader.test_string("HPelotte"), 1);
 }
 
-TEST(VmiVelmCoReader, NewInstruction_NoSpaceAfterNumberIsZero)
+TEST(vmiVelmCoReader, NewInstruction_NoSpaceAfterNumberIsZero)
 {
     Text t("0001\n0300HPelotte\n");
     EXPECT_EQ(t.reader.new_instruction(), 0);
 }
 
-TEST(VmiVelmCoReader, NewInstruction_LineNotStartingWithZeroIsZero)
+TEST(vmiVelmCoReader, NewInstruction_LineNotStartingWithZeroIsZero)
 {
     Text t("0001\n1300 HPelotte\n0300 HPunkt\n");
     EXPECT_EQ(t.reader.new_instruction(), 0);
@@ -232,14 +232,14 @@ TEST(VmiVelmCoReader, NewInstruction_LineNotStartingWithZeroIsZero)
     EXPECT_EQ(t.reader.new_instruction(), 300);
 }
 
-TEST(VmiVelmCoReader, NewInstruction_BlanksAndSignMayFollowTheZero)
+TEST(vmiVelmCoReader, NewInstruction_BlanksAndSignMayFollowTheZero)
 {
     Text t("0001\n0  101 x\n0-5 y\n");
     EXPECT_EQ(t.reader.new_instruction(), 101);
     EXPECT_EQ(t.reader.new_instruction(), -5);
 }
 
-TEST(VmiVelmCoReader, NewInstruction_OnlyOneSpaceIsConsumed)
+TEST(vmiVelmCoReader, NewInstruction_OnlyOneSpaceIsConsumed)
 {
     Text t("0001\n0101  x=1\n");
     EXPECT_EQ(t.reader.new_instruction(), 101);
@@ -247,7 +247,7 @@ TEST(VmiVelmCoReader, NewInstruction_OnlyOneSpaceIsConsumed)
     EXPECT_EQ(t.reader.test_string(" x="), 1);
 }
 
-TEST(VmiVelmCoReader, NewInstruction_SkipsTheRestOfTheCurrentLine)
+TEST(vmiVelmCoReader, NewInstruction_SkipsTheRestOfTheCurrentLine)
 {
     Text t("0001\n0101 name=sole and more\n0101 count=3\n");
     EXPECT_EQ(t.reader.new_instruction(), 101);
@@ -257,7 +257,7 @@ TEST(VmiVelmCoReader, NewInstruction_SkipsTheRestOfTheCurrentLine)
     EXPECT_EQ(t.reader.get_tint(), 3);
 }
 
-TEST(VmiVelmCoReader, NewInstruction_AfterFinalLineFeedIsZeroRestingOnIt)
+TEST(vmiVelmCoReader, NewInstruction_AfterFinalLineFeedIsZeroRestingOnIt)
 {
     Text t("0001\n0101 x=5\n");
     EXPECT_EQ(t.reader.new_instruction(), 101);
@@ -267,7 +267,7 @@ TEST(VmiVelmCoReader, NewInstruction_AfterFinalLineFeedIsZeroRestingOnIt)
     EXPECT_EQ(t.reader.position(), static_cast<int>(t.bytes.size()) - 1);
 }
 
-TEST(VmiVelmCoReader, NewInstruction_DigitAsLastByteMovesToEndThenZero)
+TEST(vmiVelmCoReader, NewInstruction_DigitAsLastByteMovesToEndThenZero)
 {
     Text t("0001\n0101 x=7");
     EXPECT_EQ(t.reader.new_instruction(), 101);
@@ -277,7 +277,7 @@ TEST(VmiVelmCoReader, NewInstruction_DigitAsLastByteMovesToEndThenZero)
     EXPECT_EQ(t.reader.new_instruction(), 0);
 }
 
-TEST(VmiVelmCoReader, NewInstruction_LastLineWithoutLineFeedEndsWithoutHanging)
+TEST(vmiVelmCoReader, NewInstruction_LastLineWithoutLineFeedEndsWithoutHanging)
 {
     Text t("0001\n0101 name=sole");
     EXPECT_EQ(t.reader.new_instruction(), 101);
@@ -286,14 +286,14 @@ TEST(VmiVelmCoReader, NewInstruction_LastLineWithoutLineFeedEndsWithoutHanging)
     EXPECT_EQ(t.reader.new_instruction(), 0);
 }
 
-TEST(VmiVelmCoReader, NewInstruction_LastByteZeroIsNoInstruction)
+TEST(vmiVelmCoReader, NewInstruction_LastByteZeroIsNoInstruction)
 {
     Text t("0001\n0");
     EXPECT_EQ(t.reader.new_instruction(), 0);
     EXPECT_EQ(t.reader.new_instruction(), 0);
 }
 
-TEST(VmiVelmCoReader, NewInstruction_NumberThenSpaceAsLastBytes)
+TEST(vmiVelmCoReader, NewInstruction_NumberThenSpaceAsLastBytes)
 {
     Text t("0001\n05 ");
     EXPECT_EQ(t.reader.new_instruction(), 5);
@@ -302,7 +302,7 @@ TEST(VmiVelmCoReader, NewInstruction_NumberThenSpaceAsLastBytes)
 
 // ---- keys ----
 
-TEST(VmiVelmCoReader, TestString_IsAPrefixTest)
+TEST(vmiVelmCoReader, TestString_IsAPrefixTest)
 {
     Text t("0001\n0300 HPelotteS\n");
     t.reader.new_instruction();
@@ -310,7 +310,7 @@ TEST(VmiVelmCoReader, TestString_IsAPrefixTest)
     EXPECT_EQ(t.reader.test_string("S"), 1);
 }
 
-TEST(VmiVelmCoReader, TestString_MismatchLeavesTheCursor)
+TEST(vmiVelmCoReader, TestString_MismatchLeavesTheCursor)
 {
     Text t("count=3");
     EXPECT_EQ(t.reader.test_string("Count="), 0);
@@ -320,7 +320,7 @@ TEST(VmiVelmCoReader, TestString_MismatchLeavesTheCursor)
     EXPECT_EQ(t.reader.position(), 6);
 }
 
-TEST(VmiVelmCoReader, TestString_NullOrEmptyIsZero)
+TEST(vmiVelmCoReader, TestString_NullOrEmptyIsZero)
 {
     Text t("abc");
     EXPECT_EQ(t.reader.test_string(nullptr), 0);
@@ -328,14 +328,14 @@ TEST(VmiVelmCoReader, TestString_NullOrEmptyIsZero)
     EXPECT_EQ(t.reader.position(), 0);
 }
 
-TEST(VmiVelmCoReader, TestString_KeyLongerThanTheRestIsZero)
+TEST(vmiVelmCoReader, TestString_KeyLongerThanTheRestIsZero)
 {
     Text t("xSp");
     EXPECT_EQ(t.reader.test_string("xSpl="), 0);
     EXPECT_EQ(t.reader.position(), 0);
 }
 
-TEST(VmiVelmCoReader, TestString_MatchUpToTheLastByteReachesTheEnd)
+TEST(vmiVelmCoReader, TestString_MatchUpToTheLastByteReachesTheEnd)
 {
     Text t("0999");
     EXPECT_EQ(t.reader.test_string("0999"), 1);
@@ -344,7 +344,7 @@ TEST(VmiVelmCoReader, TestString_MatchUpToTheLastByteReachesTheEnd)
 
 // ---- integers ----
 
-TEST(VmiVelmCoReader, GetTint_BlankBetweenSignAndDigitIsZero)
+TEST(vmiVelmCoReader, GetTint_BlankBetweenSignAndDigitIsZero)
 {
     Text t("- 7");
     EXPECT_EQ(t.reader.get_tint(), 0);
@@ -352,34 +352,34 @@ TEST(VmiVelmCoReader, GetTint_BlankBetweenSignAndDigitIsZero)
     EXPECT_EQ(t.reader.position(), 1);
 }
 
-TEST(VmiVelmCoReader, GetTint_PlusSignIsAccepted)
+TEST(vmiVelmCoReader, GetTint_PlusSignIsAccepted)
 {
     Text t("+7");
     EXPECT_EQ(t.reader.get_tint(), 7);
 }
 
-TEST(VmiVelmCoReader, GetTint_LeadingBlanksSkippedTrailingKept)
+TEST(vmiVelmCoReader, GetTint_LeadingBlanksSkippedTrailingKept)
 {
     Text t("   -42  ,");
     EXPECT_EQ(t.reader.get_tint(), -42);
     EXPECT_EQ(t.reader.position(), 6);
 }
 
-TEST(VmiVelmCoReader, GetTint_NoDigitIsZeroAndCursorStaysOnIt)
+TEST(vmiVelmCoReader, GetTint_NoDigitIsZeroAndCursorStaysOnIt)
 {
     Text t("abc");
     EXPECT_EQ(t.reader.get_tint(), 0);
     EXPECT_EQ(t.reader.position(), 0);
 }
 
-TEST(VmiVelmCoReader, GetTint_StopsAtPoint)
+TEST(vmiVelmCoReader, GetTint_StopsAtPoint)
 {
     Text t("12.5");
     EXPECT_EQ(t.reader.get_tint(), 12);
     EXPECT_EQ(t.reader.test_string(".5"), 1);
 }
 
-TEST(VmiVelmCoReader, GetTint_OverflowWrapsIn32Bits)
+TEST(vmiVelmCoReader, GetTint_OverflowWrapsIn32Bits)
 {
     Text a("4294967297");
     EXPECT_EQ(a.reader.get_tint(), 1);
@@ -391,32 +391,32 @@ TEST(VmiVelmCoReader, GetTint_OverflowWrapsIn32Bits)
 
 // ---- decimal numbers ----
 
-TEST(VmiVelmCoReader, GetTfloat_NegativeWithoutPointLosesItsSign)
+TEST(vmiVelmCoReader, GetTfloat_NegativeWithoutPointLosesItsSign)
 {
     Text t("-12");
     EXPECT_EQ(t.reader.get_tfloat(), 12.0);
 }
 
-TEST(VmiVelmCoReader, GetTfloat_NegativeWithPointKeepsItsSign)
+TEST(vmiVelmCoReader, GetTfloat_NegativeWithPointKeepsItsSign)
 {
     Text t("-12.5");
     EXPECT_EQ(t.reader.get_tfloat(), -12.5);
 }
 
-TEST(VmiVelmCoReader, GetTfloat_LowerCaseExponent)
+TEST(vmiVelmCoReader, GetTfloat_LowerCaseExponent)
 {
     Text t("1.5e2");
     EXPECT_EQ(t.reader.get_tfloat(), 150.0);
 }
 
-TEST(VmiVelmCoReader, GetTfloat_UpperCaseExponentIsLeftUnread)
+TEST(vmiVelmCoReader, GetTfloat_UpperCaseExponentIsLeftUnread)
 {
     Text t("1.5E2");
     EXPECT_EQ(t.reader.get_tfloat(), 1.5);
     EXPECT_EQ(t.reader.test_string("E2"), 1);
 }
 
-TEST(VmiVelmCoReader, GetTfloat_NegativeExponentMultipliesByOneTenth)
+TEST(vmiVelmCoReader, GetTfloat_NegativeExponentMultipliesByOneTenth)
 {
     Text t("2.5e-1");
     double v = t.reader.get_tfloat();
@@ -424,7 +424,7 @@ TEST(VmiVelmCoReader, GetTfloat_NegativeExponentMultipliesByOneTenth)
     EXPECT_EQ(v, 0.25);
 }
 
-TEST(VmiVelmCoReader, GetTfloat_ExponentTakesSignAndBlank)
+TEST(vmiVelmCoReader, GetTfloat_ExponentTakesSignAndBlank)
 {
     Text plus("1.0e+2");
     EXPECT_EQ(plus.reader.get_tfloat(), 100.0);
@@ -434,14 +434,14 @@ TEST(VmiVelmCoReader, GetTfloat_ExponentTakesSignAndBlank)
     EXPECT_EQ(three.reader.get_tfloat(), 1.0 * (0.1 * 0.1 * 0.1));
 }
 
-TEST(VmiVelmCoReader, GetTfloat_ExponentWithoutPointIsNeverSeen)
+TEST(vmiVelmCoReader, GetTfloat_ExponentWithoutPointIsNeverSeen)
 {
     Text t("2e3");
     EXPECT_EQ(t.reader.get_tfloat(), 2.0);
     EXPECT_EQ(t.reader.test_string("e3"), 1);
 }
 
-TEST(VmiVelmCoReader, GetTfloat_FractionAccumulatesDigitTimesWeight)
+TEST(vmiVelmCoReader, GetTfloat_FractionAccumulatesDigitTimesWeight)
 {
     Text t("3.14159");
     double fraction = 0.0;
@@ -453,13 +453,13 @@ TEST(VmiVelmCoReader, GetTfloat_FractionAccumulatesDigitTimesWeight)
     EXPECT_EQ(t.reader.get_tfloat(), (3.0 + fraction) * 1.0);
 }
 
-TEST(VmiVelmCoReader, GetTfloat_PointWithoutIntegerDigits)
+TEST(vmiVelmCoReader, GetTfloat_PointWithoutIntegerDigits)
 {
     Text t("-.5");
     EXPECT_EQ(t.reader.get_tfloat(), -0.5);
 }
 
-TEST(VmiVelmCoReader, GetTfloat_TrailingBlanksSkippedOnlyAfterPoint)
+TEST(vmiVelmCoReader, GetTfloat_TrailingBlanksSkippedOnlyAfterPoint)
 {
     Text with_point("5.0   ,");
     with_point.reader.get_tfloat();
@@ -469,7 +469,7 @@ TEST(VmiVelmCoReader, GetTfloat_TrailingBlanksSkippedOnlyAfterPoint)
     EXPECT_EQ(without_point.reader.position(), 1);
 }
 
-TEST(VmiVelmCoReader, GetTfloat_HugeExponentsEndQuickly)
+TEST(vmiVelmCoReader, GetTfloat_HugeExponentsEndQuickly)
 {
     auto started = std::chrono::steady_clock::now();
     Text big("1.0e2147483647");
@@ -480,7 +480,7 @@ TEST(VmiVelmCoReader, GetTfloat_HugeExponentsEndQuickly)
     EXPECT_LT(took, std::chrono::seconds(1));
 }
 
-TEST(VmiVelmCoReader, GetTfloat_ThousandsOfDigitsReadWithoutHarm)
+TEST(vmiVelmCoReader, GetTfloat_ThousandsOfDigitsReadWithoutHarm)
 {
     Text t(std::string(5000, '9') + "." + std::string(5000, '9') + "\n");
     EXPECT_TRUE(std::isinf(t.reader.get_tfloat()));
@@ -489,7 +489,7 @@ TEST(VmiVelmCoReader, GetTfloat_ThousandsOfDigitsReadWithoutHarm)
 
 // ---- arrays ----
 
-TEST(VmiVelmCoReader, GetTfloatArray_CommaSeparated)
+TEST(vmiVelmCoReader, GetTfloatArray_CommaSeparated)
 {
     Text t("1.0,2.0,3.0\n");
     std::unique_ptr<double[]> v(t.reader.get_tfloat_array(3));
@@ -499,7 +499,7 @@ TEST(VmiVelmCoReader, GetTfloatArray_CommaSeparated)
     EXPECT_EQ(v[2], 3.0);
 }
 
-TEST(VmiVelmCoReader, GetTfloatArray_BlanksAroundCommasAfterPoints)
+TEST(vmiVelmCoReader, GetTfloatArray_BlanksAroundCommasAfterPoints)
 {
     Text t("1.0, 2.0 ,3.0\n");
     std::unique_ptr<double[]> v(t.reader.get_tfloat_array(3));
@@ -509,7 +509,7 @@ TEST(VmiVelmCoReader, GetTfloatArray_BlanksAroundCommasAfterPoints)
     EXPECT_EQ(v[2], 3.0);
 }
 
-TEST(VmiVelmCoReader, GetTfloatArray_BlankBeforeCommaWithoutPointShiftsValues)
+TEST(vmiVelmCoReader, GetTfloatArray_BlankBeforeCommaWithoutPointShiftsValues)
 {
     Text t("1 ,2,3\n");
     std::unique_ptr<double[]> v(t.reader.get_tfloat_array(3));
@@ -520,7 +520,7 @@ TEST(VmiVelmCoReader, GetTfloatArray_BlankBeforeCommaWithoutPointShiftsValues)
     EXPECT_EQ(t.reader.test_string("3"), 1);
 }
 
-TEST(VmiVelmCoReader, GetTfloatArray_CountZeroIsNull)
+TEST(vmiVelmCoReader, GetTfloatArray_CountZeroIsNull)
 {
     Text t("1.0,2.0\n");
     EXPECT_EQ(t.reader.get_tfloat_array(0), nullptr);
@@ -528,7 +528,7 @@ TEST(VmiVelmCoReader, GetTfloatArray_CountZeroIsNull)
     EXPECT_EQ(t.reader.position(), 0);
 }
 
-TEST(VmiVelmCoReader, GetTfloatArray_NegativeCountIsNull)
+TEST(vmiVelmCoReader, GetTfloatArray_NegativeCountIsNull)
 {
     Text t("1.0,2.0\n");
     EXPECT_EQ(t.reader.get_tfloat_array(-3), nullptr);
@@ -536,7 +536,7 @@ TEST(VmiVelmCoReader, GetTfloatArray_NegativeCountIsNull)
     EXPECT_EQ(t.reader.position(), 0);
 }
 
-TEST(VmiVelmCoReader, GetTfloatArray_MissingValuesReadAsZeroAndNothingBeyond)
+TEST(vmiVelmCoReader, GetTfloatArray_MissingValuesReadAsZeroAndNothingBeyond)
 {
     Text t("0001\n0101 x=1.0,2.0\n0101 y=5.0\n");
     t.reader.new_instruction();
@@ -553,7 +553,7 @@ TEST(VmiVelmCoReader, GetTfloatArray_MissingValuesReadAsZeroAndNothingBeyond)
     EXPECT_EQ(t.reader.get_tfloat(), 5.0);
 }
 
-TEST(VmiVelmCoReader, GetTfloatArray_ReadsExactlyCountValues)
+TEST(vmiVelmCoReader, GetTfloatArray_ReadsExactlyCountValues)
 {
     Text t("1.0,2.0,3.0,4.0\n");
     std::unique_ptr<double[]> v(t.reader.get_tfloat_array(2));
@@ -562,7 +562,7 @@ TEST(VmiVelmCoReader, GetTfloatArray_ReadsExactlyCountValues)
     EXPECT_EQ(t.reader.test_string("3.0"), 1);
 }
 
-TEST(VmiVelmCoReader, GetTfloatArray_AbsurdCountOnShortLineIsNullAndReadsNothing)
+TEST(vmiVelmCoReader, GetTfloatArray_AbsurdCountOnShortLineIsNullAndReadsNothing)
 {
     Text t("0001\n0101 count=100000000\n0101 xSpl=1.0,2.0,3.0\n");
     t.reader.new_instruction();
@@ -577,7 +577,7 @@ TEST(VmiVelmCoReader, GetTfloatArray_AbsurdCountOnShortLineIsNullAndReadsNothing
     EXPECT_EQ(t.reader.position(), before);
 }
 
-TEST(VmiVelmCoReader, GetTfloatArray_ShortArrayOnShortLineReadsMissingValuesAsZero)
+TEST(vmiVelmCoReader, GetTfloatArray_ShortArrayOnShortLineReadsMissingValuesAsZero)
 {
     const int n = vmiVelmCoReader::short_array_count;
     Text t("x=1.0,2.0\n0999 \n");
@@ -591,7 +591,7 @@ TEST(VmiVelmCoReader, GetTfloatArray_ShortArrayOnShortLineReadsMissingValuesAsZe
     EXPECT_EQ(t.reader.new_instruction(), 999);
 }
 
-TEST(VmiVelmCoReader, GetTfloatArray_NoValueIsReadAcrossALineEnd)
+TEST(vmiVelmCoReader, GetTfloatArray_NoValueIsReadAcrossALineEnd)
 {
     Text t("1,2,\n3,4\n");
     std::unique_ptr<int[]> v(t.reader.get_tint_array(4));
@@ -603,7 +603,7 @@ TEST(VmiVelmCoReader, GetTfloatArray_NoValueIsReadAcrossALineEnd)
     EXPECT_EQ(t.reader.position(), 4);
 }
 
-TEST(VmiVelmCoReader, GetTfloatArray_LongArrayMustFitItsLine)
+TEST(vmiVelmCoReader, GetTfloatArray_LongArrayMustFitItsLine)
 {
     // 32 values in 64 bytes: a line that can hold up to 65 values.
     std::string line;
@@ -621,7 +621,7 @@ TEST(VmiVelmCoReader, GetTfloatArray_LongArrayMustFitItsLine)
     EXPECT_EQ(too_long.reader.position(), 0);
 }
 
-TEST(VmiVelmCoReader, GetTfloatArray_HugeCountOnShortLineBeforeLongTextIsNull)
+TEST(vmiVelmCoReader, GetTfloatArray_HugeCountOnShortLineBeforeLongTextIsNull)
 {
     // Plenty of text follows, but not on the array's own line.
     Text t("x=1.0,2.0\n" + std::string(3 << 20, '7'));
@@ -630,7 +630,7 @@ TEST(VmiVelmCoReader, GetTfloatArray_HugeCountOnShortLineBeforeLongTextIsNull)
     EXPECT_EQ(t.reader.position(), 2);
 }
 
-TEST(VmiVelmCoReader, GetTfloatArray_ManyKeyLinesAskingHugeCountsStayFast)
+TEST(vmiVelmCoReader, GetTfloatArray_ManyKeyLinesAskingHugeCountsStayFast)
 {
     std::string text = "0001\n";
     for (int i = 0; i < 100000; i++)
@@ -651,7 +651,7 @@ TEST(VmiVelmCoReader, GetTfloatArray_ManyKeyLinesAskingHugeCountsStayFast)
     EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(2));
 }
 
-TEST(VmiVelmCoReader, GetTfloatArray_CountBeyondMaxArrayCountIsNull)
+TEST(vmiVelmCoReader, GetTfloatArray_CountBeyondMaxArrayCountIsNull)
 {
     const int cap = vmiVelmCoReader::max_array_count;
     std::string values;
@@ -667,7 +667,7 @@ TEST(VmiVelmCoReader, GetTfloatArray_CountBeyondMaxArrayCountIsNull)
     EXPECT_EQ(v[cap - 1], 1.0);
 }
 
-TEST(VmiVelmCoReader, GetTintArray_CommaSeparatedWithBlanks)
+TEST(vmiVelmCoReader, GetTintArray_CommaSeparatedWithBlanks)
 {
     Text t("3, -4,+5\n");
     std::unique_ptr<int[]> v(t.reader.get_tint_array(3));
@@ -679,7 +679,7 @@ TEST(VmiVelmCoReader, GetTintArray_CommaSeparatedWithBlanks)
 
 // ---- texts ----
 
-TEST(VmiVelmCoReader, GetText_StopsBeforeLineFeedWithoutConsumingIt)
+TEST(vmiVelmCoReader, GetText_StopsBeforeLineFeedWithoutConsumingIt)
 {
     Text t("0001\n0101 name=sole left\n0101 count=2\n");
     t.reader.new_instruction();
@@ -688,7 +688,7 @@ TEST(VmiVelmCoReader, GetText_StopsBeforeLineFeedWithoutConsumingIt)
     EXPECT_EQ(t.reader.test_string("\n"), 1);
 }
 
-TEST(VmiVelmCoReader, GetText_StopsBeforeCarriageReturn)
+TEST(vmiVelmCoReader, GetText_StopsBeforeCarriageReturn)
 {
     Text t("0001\r\n0101 name=sole\r\n0101 count=2\r\n");
     EXPECT_EQ(t.reader.new_instruction(), 101);
@@ -698,7 +698,7 @@ TEST(VmiVelmCoReader, GetText_StopsBeforeCarriageReturn)
     EXPECT_EQ(t.reader.test_string("count="), 1);
 }
 
-TEST(VmiVelmCoReader, GetText_LongerThan131IsCutAndTheRestSkipped)
+TEST(vmiVelmCoReader, GetText_LongerThan131IsCutAndTheRestSkipped)
 {
     std::string name(300, 'n');
     Text t("0001\n0101 name=" + name + "\n0101 count=2\n");
@@ -711,7 +711,7 @@ TEST(VmiVelmCoReader, GetText_LongerThan131IsCutAndTheRestSkipped)
     EXPECT_EQ(t.reader.test_string("count="), 1);
 }
 
-TEST(VmiVelmCoReader, GetText_LastLineWithoutLineEndRepeatsLastByte)
+TEST(vmiVelmCoReader, GetText_LastLineWithoutLineEndRepeatsLastByte)
 {
     Text t("0001\n0101 name=ab");
     t.reader.new_instruction();
@@ -719,7 +719,7 @@ TEST(VmiVelmCoReader, GetText_LastLineWithoutLineEndRepeatsLastByte)
     EXPECT_EQ(take_text(t.reader), "a" + std::string(130, 'b'));
 }
 
-TEST(VmiVelmCoReader, GetText_AtTheEndIsEmpty)
+TEST(vmiVelmCoReader, GetText_AtTheEndIsEmpty)
 {
     Text t("7");
     t.reader.get_tint();
@@ -727,7 +727,7 @@ TEST(VmiVelmCoReader, GetText_AtTheEndIsEmpty)
     EXPECT_EQ(take_text(t.reader), "");
 }
 
-TEST(VmiVelmCoReader, GetText_KeepsAnyByte)
+TEST(vmiVelmCoReader, GetText_KeepsAnyByte)
 {
     Text t(std::string("a\tb\xFF\x01z\n", 7));
     EXPECT_EQ(take_text(t.reader), std::string("a\tb\xFF\x01z", 6));
@@ -735,7 +735,7 @@ TEST(VmiVelmCoReader, GetText_KeepsAnyByte)
 
 // ---- hostile texts ----
 
-TEST(VmiVelmCoReader, LongLines_ThousandsOfCharactersArePassedOver)
+TEST(vmiVelmCoReader, LongLines_ThousandsOfCharactersArePassedOver)
 {
     std::string junk(200000, 'x');
     Text t("0001 " + junk + "\n0101 " + junk + "\n0300 HPunkt\n");
@@ -744,7 +744,7 @@ TEST(VmiVelmCoReader, LongLines_ThousandsOfCharactersArePassedOver)
     EXPECT_EQ(t.reader.test_string("HPunkt"), 1);
 }
 
-TEST(VmiVelmCoReader, ValidText_ParsesExactlyAsWritten)
+TEST(vmiVelmCoReader, ValidText_ParsesExactlyAsWritten)
 {
     Text t("0001\n"
            "0200 Rohlingsdaten\n"
@@ -778,7 +778,7 @@ TEST(VmiVelmCoReader, ValidText_ParsesExactlyAsWritten)
     EXPECT_EQ(t.reader.new_instruction(), 0);
 }
 
-TEST(VmiVelmCoReader, RandomBytes_EveryLoopEndsWithinTheText)
+TEST(vmiVelmCoReader, RandomBytes_EveryLoopEndsWithinTheText)
 {
     // Pseudo-random texts over the format's own alphabet, read the way the
     // document reads them: every loop over instructions must end, and every

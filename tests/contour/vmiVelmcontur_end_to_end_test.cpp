@@ -55,7 +55,7 @@ std::string design_text()
 
 }  // namespace
 
-TEST(vmiVelmconturEndToEnd, RealisticDesignOverABaseGrid_ProducesOutlinesAndTheClosedModel)
+TEST(vmiVelmcontur, EndToEnd_RealisticDesignOverABaseGrid_ProducesOutlinesAndTheClosedModel)
 {
     std::string text = design_text();
     std::vector<char> bytes(text.begin(), text.end());
@@ -101,11 +101,11 @@ TEST(vmiVelmconturEndToEnd, RealisticDesignOverABaseGrid_ProducesOutlinesAndTheC
             sum += 4.0 + 6.0 * across * across + 0.02 * (280 - j);
         }
     EXPECT_NEAR(g->point(85, 170).z(), sum / 9, 1e-12);
-    EXPECT_EQ(g->point(160, 170).z(), -10000.0);
-    EXPECT_EQ(g->point(85, 335).z(), -10000.0);
+    EXPECT_EQ(g->point(160, 170).z(), vmiBaseGrid::empty_z);
+    EXPECT_EQ(g->point(85, 335).z(), vmiBaseGrid::empty_z);
 }
 
-TEST(vmiVelmconturEndToEnd, FinishedModelHoldsWallAndFloorPointsInItsMarginColumns)
+TEST(vmiVelmcontur, EndToEnd_FinishedModelHoldsWallAndFloorPointsInItsMarginColumns)
 {
     std::string text = design_text();
     std::vector<char> bytes(text.begin(), text.end());
@@ -121,7 +121,7 @@ TEST(vmiVelmconturEndToEnd, FinishedModelHoldsWallAndFloorPointsInItsMarginColum
         // margin.
         int l = -1, r = -1;
         for (int i = 10; i < g->x_size(); ++i)
-            if (g->point(i, j).z() > -1000.0) {
+            if (g->point(i, j).z() > vmiBaseGrid::valid_z) {
                 if (l < 0)
                     l = i;
                 r = i;
@@ -153,7 +153,7 @@ TEST(vmiVelmconturEndToEnd, FinishedModelHoldsWallAndFloorPointsInItsMarginColum
     EXPECT_TRUE(g->point(1, last + 1) == g->point(8, last));
 }
 
-TEST(vmiVelmconturEndToEnd, ContourTextWriterGivesTheLinesTheReaderExpects)
+TEST(vmiVelmcontur, EndToEnd_ContourTextWriterGivesTheLinesTheReaderExpects)
 {
     vlm::contour_text t;
     t.open_height("HContour2").key("flag2", 1).array("x2", {1.0, -2.5}).close_height().end();

@@ -10,17 +10,9 @@
 #include "curves/m03DVector.h"
 #include "curves/m0BspCurve.h"
 #include "grid/vmiBaseGrid.h"
+#include "tests/support/testGeometry.h"
 
 namespace {
-
-std::unique_ptr<m03DVector> polyline(std::initializer_list<m03DPoint> pts)
-{
-    auto v = std::make_unique<m03DVector>(static_cast<int>(pts.size()));
-    int i = 0;
-    for (const m03DPoint& p : pts)
-        v->set_point(i++, p);
-    return v;
-}
 
 // Placement parameters: angle (degrees), translation, factors.
 void params(double* p, double angle, double tx, double ty, double tz, double fx, double fy,
@@ -41,7 +33,7 @@ void params(double* p, double angle, double tx, double ty, double tz, double fx,
 
 }  // namespace
 
-TEST(vmiVelmconturGeometry, CreateBspCurve_SevenPointsOrderFourGiveElevenKnots)
+TEST(vmiVelmcontur, Geometry_CreateBspCurve_SevenPointsOrderFourGiveElevenKnots)
 {
     m03DVector* pts = new m03DVector(7);
     for (int i = 0; i < 7; ++i)
@@ -58,7 +50,7 @@ TEST(vmiVelmconturGeometry, CreateBspCurve_SevenPointsOrderFourGiveElevenKnots)
         EXPECT_EQ(k->point(i), expected[i]) << i;
 }
 
-TEST(vmiVelmconturGeometry, CreateBspCurve_OrderOneOrNullVectorGiveNull)
+TEST(vmiVelmcontur, Geometry_CreateBspCurve_OrderOneOrNullVectorGiveNull)
 {
     auto pts = polyline({{0, 0, 0}, {1, 0, 0}});
     EXPECT_EQ(vmiVelmcontur::create_bsp_curve(pts.get(), 1), nullptr);
@@ -67,7 +59,7 @@ TEST(vmiVelmconturGeometry, CreateBspCurve_OrderOneOrNullVectorGiveNull)
     EXPECT_EQ(vmiVelmcontur::create_bsp_curve(&empty, 4), nullptr);
 }
 
-TEST(vmiVelmconturGeometry, CreatePolyline0_CountZeroGivesNullEvenWithArrays)
+TEST(vmiVelmcontur, Geometry_CreatePolyline0_CountZeroGivesNullEvenWithArrays)
 {
     double x[2] = {1, 2}, y[2] = {3, 4};
     EXPECT_EQ(vmiVelmcontur::create_polyline0(x, y, nullptr, 0), nullptr);
@@ -75,7 +67,7 @@ TEST(vmiVelmconturGeometry, CreatePolyline0_CountZeroGivesNullEvenWithArrays)
     EXPECT_EQ(vmiVelmcontur::create_polyline0(nullptr, y, nullptr, 2), nullptr);
 }
 
-TEST(vmiVelmconturGeometry, CreatePolyline0_TakesZWhereGivenElseZero)
+TEST(vmiVelmcontur, Geometry_CreatePolyline0_TakesZWhereGivenElseZero)
 {
     double x[2] = {1, 2}, y[2] = {3, 4}, z[2] = {5, 6};
     std::unique_ptr<m03DVector> flat(vmiVelmcontur::create_polyline0(x, y, nullptr, 2));
@@ -90,7 +82,7 @@ TEST(vmiVelmconturGeometry, CreatePolyline0_TakesZWhereGivenElseZero)
     EXPECT_EQ(vmiVelmcontur::create_polyline(x, y, z, 0), nullptr);
 }
 
-TEST(vmiVelmconturGeometry, Transform0_NullMatrixLeavesThePoint)
+TEST(vmiVelmcontur, Geometry_Transform0_NullMatrixLeavesThePoint)
 {
     m03DPoint p(1.5, -2.5, 3.25);
     EXPECT_TRUE(vmiVelmcontur::transform0(p, nullptr) == p);
@@ -100,7 +92,7 @@ TEST(vmiVelmconturGeometry, Transform0_NullMatrixLeavesThePoint)
     EXPECT_TRUE(v->point(0) == m03DPoint(1, 2, 3));
 }
 
-TEST(vmiVelmconturGeometry, CreateTransform_Angle90PutsTheXAxisOntoY)
+TEST(vmiVelmcontur, Geometry_CreateTransform_Angle90PutsTheXAxisOntoY)
 {
     double p[12];
     params(p, 90.0, 0, 0, 0, 2.0, 3.0, 1.0);
@@ -115,7 +107,7 @@ TEST(vmiVelmconturGeometry, CreateTransform_Angle90PutsTheXAxisOntoY)
     EXPECT_EQ(m[1], -3.0);
 }
 
-TEST(vmiVelmconturGeometry, CreateTransform_EntriesFollowTheParameters)
+TEST(vmiVelmcontur, Geometry_CreateTransform_EntriesFollowTheParameters)
 {
     double p[12];
     params(p, 30.0, 4.0, 5.0, 6.0, 2.0, 3.0, 7.0);
@@ -139,7 +131,7 @@ TEST(vmiVelmconturGeometry, CreateTransform_EntriesFollowTheParameters)
     EXPECT_EQ(vmiVelmcontur::create_transform(nullptr), nullptr);
 }
 
-TEST(vmiVelmconturGeometry, Transform0AppliesRowsTransformTheTransposeWithTheSameShift)
+TEST(vmiVelmcontur, Geometry_Transform0AppliesRowsTransformTheTransposeWithTheSameShift)
 {
     double m[12] = {1, 2, 3, 10, 4, 5, 6, 20, 7, 8, 9, 30};
     m03DPoint p(1, 1, 1);
@@ -156,7 +148,7 @@ TEST(vmiVelmconturGeometry, Transform0AppliesRowsTransformTheTransposeWithTheSam
     EXPECT_TRUE(v->point(0) == b);
 }
 
-TEST(vmiVelmconturGeometry, LinesIntersect_XAxisWithVerticalSegmentAtHalf)
+TEST(vmiVelmcontur, Geometry_LinesIntersect_XAxisWithVerticalSegmentAtHalf)
 {
     m03DPoint r;
     double t = vmiVelmcontur::lines_intersect({0, 0, 0}, {1, 0, 0}, {0.5, -1, 0}, {0.5, 1, 0}, r);
@@ -164,7 +156,7 @@ TEST(vmiVelmconturGeometry, LinesIntersect_XAxisWithVerticalSegmentAtHalf)
     EXPECT_TRUE(r == m03DPoint(0.5, 0, 0));
 }
 
-TEST(vmiVelmconturGeometry, LinesIntersect_InterpolatesZAlongTheSecondLine)
+TEST(vmiVelmcontur, Geometry_LinesIntersect_InterpolatesZAlongTheSecondLine)
 {
     m03DPoint r;
     double t = vmiVelmcontur::lines_intersect({0, 0, 0}, {1, 0, 0}, {2, -1, 0}, {2, 3, 8}, r);
@@ -172,14 +164,14 @@ TEST(vmiVelmconturGeometry, LinesIntersect_InterpolatesZAlongTheSecondLine)
     EXPECT_TRUE(r == m03DPoint(2, 0, 2));
 }
 
-TEST(vmiVelmconturGeometry, LinesIntersect_ParallelLinesGiveAParameterOutsideEveryRange)
+TEST(vmiVelmcontur, Geometry_LinesIntersect_ParallelLinesGiveAParameterOutsideEveryRange)
 {
     m03DPoint r;
     double t = vmiVelmcontur::lines_intersect({0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, r);
     EXPECT_FALSE(t >= 0.0 && t <= 1.0);
 }
 
-TEST(vmiVelmconturGeometry, GetMinMaxXIntersect_LineThatMissesGivesStartValues)
+TEST(vmiVelmcontur, Geometry_GetMinMaxXIntersect_LineThatMissesGivesStartValues)
 {
     auto poly = polyline({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}});
     m03DPoint lo, hi;
@@ -188,7 +180,7 @@ TEST(vmiVelmconturGeometry, GetMinMaxXIntersect_LineThatMissesGivesStartValues)
     EXPECT_TRUE(hi == m03DPoint(-1e10, 0, 0));
 }
 
-TEST(vmiVelmconturGeometry, GetMinMaxXIntersect_FindsLeftmostAndRightmostCrossings)
+TEST(vmiVelmcontur, Geometry_GetMinMaxXIntersect_FindsLeftmostAndRightmostCrossings)
 {
     // A square from x 2 to 6, y 0 to 4, closed; the line y = 1 crosses it at
     // x 2 and x 6.
@@ -199,7 +191,19 @@ TEST(vmiVelmconturGeometry, GetMinMaxXIntersect_FindsLeftmostAndRightmostCrossin
     EXPECT_TRUE(hi == m03DPoint(6, 1, 0));
 }
 
-TEST(vmiVelmconturGeometry, GetYMinMax_RowsOfThePolylineTruncated)
+TEST(vmiVelmcontur, Geometry_GetMinMaxXIntersect_EqualXKeepsTheEarlierCrossing)
+{
+    // The vertical line x = 3 crosses the square's bottom side (the first
+    // segment) at (3, 0) and its top side (the third) at (3, 4): on equal x
+    // both the least and the greatest stay the earlier crossing.
+    auto poly = polyline({{2, 0, 0}, {6, 0, 0}, {6, 4, 0}, {2, 4, 0}, {2, 0, 0}});
+    m03DPoint lo, hi;
+    vmiVelmcontur::get_min_max_x_intersect({3, -1, 0}, {3, 10, 0}, poly.get(), lo, hi);
+    EXPECT_TRUE(lo == m03DPoint(3, 0, 0));
+    EXPECT_TRUE(hi == m03DPoint(3, 0, 0));
+}
+
+TEST(vmiVelmcontur, Geometry_GetYMinMax_RowsOfThePolylineTruncated)
 {
     vmiBaseGrid grid(10, 10, 1.0, 2.0);
     auto poly = polyline({{0, 3.9, 0}, {0, 9.1, 0}, {0, 5.0, 0}});
@@ -216,7 +220,7 @@ TEST(vmiVelmconturGeometry, GetYMinMax_RowsOfThePolylineTruncated)
     EXPECT_EQ(hi, -100000);
 }
 
-TEST(vmiVelmconturGeometry, Middle_IsTheMeanOfThePoints)
+TEST(vmiVelmcontur, Geometry_Middle_IsTheMeanOfThePoints)
 {
     auto poly = polyline({{0, 0, 0}, {2, 4, 6}, {4, 2, 0}});
     EXPECT_TRUE(vmiVelmcontur::middle(poly.get()) == m03DPoint(2, 2, 2));

@@ -16,6 +16,7 @@
 #include "curves/m03DVector.h"
 #include "grid/vmiBaseGrid.h"
 #include "tests/support/contourText.h"
+#include "tests/support/testGrid.h"
 
 namespace {
 
@@ -59,16 +60,6 @@ void rectangle(double x0, double y0, double x1, double y1, std::vector<double>& 
     y.push_back(y0);
 }
 
-// A base grid of nx x ny nodes at spacing d, every node at height z.
-vmiBaseGrid* flat_base(int nx, int ny, double d, double z)
-{
-    vmiBaseGrid* g = new vmiBaseGrid(nx, ny, d, d);
-    for (int j = 0; j < ny; ++j)
-        for (int i = 0; i < nx; ++i)
-            g->point(i, j, m03DPoint(i * d, j * d, z));
-    return g;
-}
-
 vmiObjGrid* finish_model(vmiVelmcontur& doc)
 {
     for (int i = 0; i < doc.no_of_objects(); ++i)
@@ -79,7 +70,7 @@ vmiObjGrid* finish_model(vmiVelmcontur& doc)
 
 }  // namespace
 
-TEST(vmiVelmconturHContour2, Flag2ZeroLeavesNoContourAndNoFinishModel)
+TEST(vmiVelmcontur, HContour2_Flag2ZeroLeavesNoContourAndNoFinishModel)
 {
     std::vector<double> x, y;
     rectangle(40, 40, 100, 200, x, y);
@@ -90,7 +81,7 @@ TEST(vmiVelmconturHContour2, Flag2ZeroLeavesNoContourAndNoFinishModel)
     EXPECT_NE(doc->working_grid(), nullptr);
 }
 
-TEST(vmiVelmconturHContour2, Flag2ZeroThenALaterHContour2MakesTheFinishModel)
+TEST(vmiVelmcontur, HContour2_Flag2ZeroThenALaterHContour2MakesTheFinishModel)
 {
     std::vector<double> x, y;
     rectangle(40, 40, 100, 200, x, y);
@@ -99,7 +90,7 @@ TEST(vmiVelmconturHContour2, Flag2ZeroThenALaterHContour2MakesTheFinishModel)
     EXPECT_EQ(names(*doc), (std::vector<std::string> {"FINISH_MODEL~7"}));
 }
 
-TEST(vmiVelmconturHContour2, Flag2WithoutOutlinePointsChangesNothing)
+TEST(vmiVelmcontur, HContour2_Flag2WithoutOutlinePointsChangesNothing)
 {
     std::vector<double> x, y;
     rectangle(40, 40, 100, 200, x, y);
@@ -129,7 +120,7 @@ TEST(vmiVelmconturHContour2, Flag2WithoutOutlinePointsChangesNothing)
     }
 }
 
-TEST(vmiVelmconturHContour2, ContourIsACopyOfTheSplineApproximation)
+TEST(vmiVelmcontur, HContour2_ContourIsACopyOfTheSplineApproximation)
 {
     std::vector<double> x, y;
     vlm::foot_outline(40, 40, 40, 90, 250, x, y);
@@ -156,7 +147,7 @@ TEST(vmiVelmconturHContour2, ContourIsACopyOfTheSplineApproximation)
     EXPECT_EQ(names(*doc), (std::vector<std::string> {"FINISH_MODEL~4"}));
 }
 
-TEST(vmiVelmconturHContour2, FirstCurveAndFlag1AreReadAndDiscarded)
+TEST(vmiVelmcontur, HContour2_FirstCurveAndFlag1AreReadAndDiscarded)
 {
     std::vector<double> x, y;
     rectangle(40, 40, 100, 200, x, y);
@@ -178,14 +169,14 @@ TEST(vmiVelmconturHContour2, FirstCurveAndFlag1AreReadAndDiscarded)
     EXPECT_EQ(doc->contour()->point(0).x(), 40.0);
 }
 
-TEST(vmiVelmconturHContour2, TrimsTheWorkingGridToTheOutline)
+TEST(vmiVelmcontur, HContour2_TrimsTheWorkingGridToTheOutline)
 {
     // Base grid 101 x 201 at spacing 1 (heights 5), working grid 160 x 260
     // with the base at (30, 30); the outline is a rectangle inside the base.
     std::vector<double> x, y;
     rectangle(50, 60, 110, 200, x, y);
     auto doc
-        = parse(contour_text().hcontour2("c", x, y).end().text(), 4, flat_base(101, 201, 1.0, 5.0));
+        = parse(contour_text().hcontour2("c", x, y).end().text(), 4, flat_grid(101, 201, 5.0).release());
     ASSERT_NE(doc->contour_map(), nullptr);
     EXPECT_TRUE(doc->contour_map()->is_inside_the_cros_map(80, 100));
     EXPECT_FALSE(doc->contour_map()->is_inside_the_cros_map(120, 100));
@@ -196,18 +187,18 @@ TEST(vmiVelmconturHContour2, TrimsTheWorkingGridToTheOutline)
     EXPECT_EQ(g->y_size(), 260);
     EXPECT_EQ(g->point(80, 100).z(), 5.0);
     // Outside the outline the base grid's heights are gone.
-    EXPECT_EQ(g->point(120, 100).z(), -10000.0);
-    EXPECT_EQ(g->point(30, 100).z(), -10000.0);
-    EXPECT_EQ(g->point(80, 220).z(), -10000.0);
-    EXPECT_EQ(g->point(80, 40).z(), -10000.0);
+    EXPECT_EQ(g->point(120, 100).z(), vmiBaseGrid::empty_z);
+    EXPECT_EQ(g->point(30, 100).z(), vmiBaseGrid::empty_z);
+    EXPECT_EQ(g->point(80, 220).z(), vmiBaseGrid::empty_z);
+    EXPECT_EQ(g->point(80, 40).z(), vmiBaseGrid::empty_z);
 }
 
-TEST(vmiVelmconturHContour2, FinishModelTakesTheWorkingGridAndReleasesTheBaseGrid)
+TEST(vmiVelmcontur, HContour2_FinishModelTakesTheWorkingGridAndReleasesTheBaseGrid)
 {
     std::vector<double> x, y;
     rectangle(50, 60, 110, 200, x, y);
     auto doc = parse(contour_text().hcontour2("c", x, y).end().text(), 12,
-                     flat_base(101, 201, 1.0, 5.0));
+                     flat_grid(101, 201, 5.0).release());
     ASSERT_EQ(doc->no_of_objects(), 1);
     vmiObject* o = doc->object(0);
     EXPECT_EQ(o->type(), 1);
@@ -219,7 +210,7 @@ TEST(vmiVelmconturHContour2, FinishModelTakesTheWorkingGridAndReleasesTheBaseGri
     EXPECT_EQ(doc->base_grid(), nullptr);
 }
 
-TEST(vmiVelmconturHContour2, SecondHContour2ReplacesContourAndMap)
+TEST(vmiVelmcontur, HContour2_SecondHContour2ReplacesContourAndMap)
 {
     std::vector<double> x, y, x2, y2;
     rectangle(50, 60, 110, 200, x, y);
@@ -232,7 +223,7 @@ TEST(vmiVelmconturHContour2, SecondHContour2ReplacesContourAndMap)
     EXPECT_EQ(names(*doc), (std::vector<std::string> {"FINISH_MODEL~4"}));
 }
 
-TEST(vmiVelmconturHContour2, OutlineWithAnInfiniteCoordinateIsNotTaken)
+TEST(vmiVelmcontur, HContour2_OutlineWithAnInfiniteCoordinateIsNotTaken)
 {
     auto doc = parse(contour_text()
                          .open_height("HContour2")
@@ -247,7 +238,7 @@ TEST(vmiVelmconturHContour2, OutlineWithAnInfiniteCoordinateIsNotTaken)
     EXPECT_EQ(doc->no_of_objects(), 0);
 }
 
-TEST(vmiVelmconturHContour2, CoincidentPointsGiveAContourOfOnePlaceAndAnEmptyModel)
+TEST(vmiVelmcontur, HContour2_CoincidentPointsGiveAContourOfOnePlaceAndAnEmptyModel)
 {
     // Every point the same: the outline encloses nothing, so the finished
     // model holds no valid node.
@@ -261,11 +252,11 @@ TEST(vmiVelmconturHContour2, CoincidentPointsGiveAContourOfOnePlaceAndAnEmptyMod
     ASSERT_NE(model, nullptr);
     int valid = 0;
     for (int k = 0; k < model->x_size() * model->y_size(); ++k)
-        valid += model->points_array()[k].z() > -10000.0;
+        valid += model->points_array()[k].z() > vmiBaseGrid::empty_z;
     EXPECT_EQ(valid, 0);
 }
 
-TEST(vmiVelmconturHContour2, OutlineLongerThanMaxContourCellsIsNotTaken)
+TEST(vmiVelmcontur, HContour2_OutlineLongerThanMaxContourCellsIsNotTaken)
 {
     // A zigzag across the whole default grid (440 columns): 3000 crossings
     // are about 1.3 million cells.
@@ -281,7 +272,7 @@ TEST(vmiVelmconturHContour2, OutlineLongerThanMaxContourCellsIsNotTaken)
     EXPECT_EQ(doc->no_of_objects(), 0);
 }
 
-TEST(vmiVelmconturHContour2, OutlineOfMoreThanMaxOutlinePointsIsNotTaken)
+TEST(vmiVelmcontur, HContour2_OutlineOfMoreThanMaxOutlinePointsIsNotTaken)
 {
     std::vector<double> x, y;
     const int n = vmiVelmcontur::max_outline_points + 1;
@@ -293,7 +284,7 @@ TEST(vmiVelmconturHContour2, OutlineOfMoreThanMaxOutlinePointsIsNotTaken)
     EXPECT_EQ(doc->contour(), nullptr);
 }
 
-TEST(vmiVelmconturSections, EverySectionsKeysAreReadSoTheFileParsesOn)
+TEST(vmiVelmcontur, Sections_EverySectionsKeysAreReadSoTheFileParsesOn)
 {
     // Every height section with all its keys, arrays on one line each with
     // exactly their counts; then the blank and the outline still take effect.
@@ -345,7 +336,7 @@ TEST(vmiVelmconturSections, EverySectionsKeysAreReadSoTheFileParsesOn)
     EXPECT_EQ(doc->smoothing_factor(), 3);
 }
 
-TEST(vmiVelmconturSections, HGlaettStoresItsFactorAndDefaultsToOne)
+TEST(vmiVelmcontur, Sections_HGlaettStoresItsFactorAndDefaultsToOne)
 {
     auto doc = parse(
         contour_text().open_height("HGlaett").key("gfactor", 5).close_height().end().text());
@@ -365,7 +356,7 @@ constexpr double base_z = 5.0;
 
 std::unique_ptr<vmiVelmcontur> on_flat_base(const contour_text& design)
 {
-    return parse(design.text(), 4, flat_base(41, 41, 1.0, base_z));
+    return parse(design.text(), 4, flat_grid(41, 41, base_z).release());
 }
 
 double z_at(vmiVelmcontur& doc, int i, int j)
@@ -641,7 +632,7 @@ TEST(vmiVelmcontur, HGloba_UseMinZWithMinZZeroLiftsTheLowestValidNodeTo0_01)
 
 TEST(vmiVelmcontur, HGloba_NodesAtMinus1000OrBelowAreNotTheLowest)
 {
-    vmiBaseGrid* base = flat_base(41, 41, 1.0, base_z);
+    vmiBaseGrid* base = flat_grid(41, 41, base_z).release();
     base->point(10, 10).z() = -1000.0;
     base->point(11, 10).z() = -5000.0;
     base->point(12, 10).z() = 3.0;
@@ -680,7 +671,7 @@ TEST(vmiVelmcontur, HGloba_WithoutMatChangesNothing)
 
 TEST(vmiVelmcontur, HGlaett_FactorOneWithoutBandChangesNothing)
 {
-    vmiBaseGrid* base = flat_base(41, 41, 1.0, base_z);
+    vmiBaseGrid* base = flat_grid(41, 41, base_z).release();
     base->point(20, 20).z() = 30.0;
     auto doc = parse(contour_text().open_height("HGlaett").key("gfactor", 1).close_height().end().text(),
                      4, base);
@@ -689,7 +680,7 @@ TEST(vmiVelmcontur, HGlaett_FactorOneWithoutBandChangesNothing)
 
 TEST(vmiVelmcontur, HGlaett_FactorThreeSmoothsTheWholeGridWithoutAContour)
 {
-    vmiBaseGrid* base = flat_base(41, 41, 1.0, base_z);
+    vmiBaseGrid* base = flat_grid(41, 41, base_z).release();
     base->point(20, 20).z() = 30.0;
     auto doc = parse(contour_text().open_height("HGlaett").key("gfactor", 3).close_height().end().text(),
                      4, base);
@@ -705,7 +696,7 @@ TEST(vmiVelmcontur, HGlaett_FactorThreeSmoothsTheWholeGridWithoutAContour)
 
 TEST(vmiVelmcontur, HGlaett_FactorThreeWithAContourSmoothsOnlyInsideIt)
 {
-    vmiBaseGrid* base = flat_base(41, 41, 1.0, base_z);
+    vmiBaseGrid* base = flat_grid(41, 41, base_z).release();
     base->point(20, 20).z() = 30.0;
     std::vector<double> x, y;
     rectangle(40, 40, 60, 60, x, y);
@@ -724,7 +715,7 @@ TEST(vmiVelmcontur, HGlaett_FactorThreeWithAContourSmoothsOnlyInsideIt)
 
 TEST(vmiVelmcontur, HGlaett_OnlyLowerLimitsSmoothTheBandUpToTheGridsEnd)
 {
-    vmiBaseGrid* base = flat_base(41, 41, 1.0, base_z);
+    vmiBaseGrid* base = flat_grid(41, 41, base_z).release();
     base->point(20, 20).z() = 30.0;  // working node (50, 50), inside the band
     base->point(20, 2).z() = 30.0;   // working node (50, 32), below it
     auto doc = parse(contour_text()
@@ -778,11 +769,11 @@ TEST(vmiVelmcontur, HSprenglinie_WithSelcountZeroChangesNothing)
         contour_text t;
         t.hcontour2("c", x, y).open_height("HSprenglinie").key("selcount", selcount);
         t.array("hsel", {4.0}).int_array("hpos", {10}).close_height().end();
-        return parse(t.text(), 4, flat_base(41, 41, 1.0, base_z));
+        return parse(t.text(), 4, flat_grid(41, 41, base_z).release());
     };
     auto none = with(0);
     auto contour_only = parse(contour_text().hcontour2("c", x, y).end().text(), 4,
-                              flat_base(41, 41, 1.0, base_z));
+                              flat_grid(41, 41, base_z).release());
     EXPECT_EQ(heights(*finish_model(*none)->grid()), heights(*finish_model(*contour_only)->grid()));
     auto one = with(1);
     EXPECT_NE(heights(*finish_model(*one)->grid()), heights(*finish_model(*contour_only)->grid()));
@@ -807,9 +798,9 @@ TEST(vmiVelmcontur, HSprenglinie_NegativeSelcountChangesNothing)
     contour_text t;
     t.hcontour2("c", x, y).open_height("HSprenglinie").key("selcount", 1);
     t.array("hsel", {4.0}).int_array("hpos", {10}).key("selcount", -1).close_height().end();
-    auto doc = parse(t.text(), 4, flat_base(41, 41, 1.0, base_z));
+    auto doc = parse(t.text(), 4, flat_grid(41, 41, base_z).release());
     auto contour_only = parse(contour_text().hcontour2("c", x, y).end().text(), 4,
-                              flat_base(41, 41, 1.0, base_z));
+                              flat_grid(41, 41, base_z).release());
     EXPECT_EQ(heights(*finish_model(*doc)->grid()), heights(*finish_model(*contour_only)->grid()));
 }
 
@@ -822,9 +813,9 @@ TEST(vmiVelmcontur, HSprenglinie_LiftsTheStationRowByAboutItsHeight)
     contour_text t;
     t.hcontour2("c", x, y).open_height("HSprenglinie").key("selcount", 1);
     t.array("hsel", {4.0}).int_array("hpos", {10}).close_height().end();
-    auto doc = parse(t.text(), 4, flat_base(41, 41, 1.0, base_z));
+    auto doc = parse(t.text(), 4, flat_grid(41, 41, base_z).release());
     auto contour_only = parse(contour_text().hcontour2("c", x, y).end().text(), 4,
-                              flat_base(41, 41, 1.0, base_z));
+                              flat_grid(41, 41, base_z).release());
     const double lift = finish_model(*doc)->grid()->point(50, 50).z()
         - finish_model(*contour_only)->grid()->point(50, 50).z();
     EXPECT_NEAR(lift, 4.0, 0.1);
@@ -857,8 +848,8 @@ TEST(vmiVelmcontur, HTorsion_AddsNothingOnItsAxisAndGrowsTowardsTheContour)
                 .close_height();
         return t.end().text();
     };
-    auto doc = parse(text(true), 4, flat_base(41, 41, 1.0, base_z));
-    auto plain = parse(text(false), 4, flat_base(41, 41, 1.0, base_z));
+    auto doc = parse(text(true), 4, flat_grid(41, 41, base_z).release());
+    auto plain = parse(text(false), 4, flat_grid(41, 41, base_z).release());
     vmiBaseGrid* twisted = finish_model(*doc)->grid();
     vmiBaseGrid* flat = finish_model(*plain)->grid();
     m03DPoint leftmost, rightmost;

@@ -14,6 +14,7 @@
 #include "curves/m03DVector.h"
 #include "grid/vmiBaseGrid.h"
 #include "tests/support/contourText.h"
+#include "tests/support/testGrid.h"
 
 namespace {
 
@@ -46,16 +47,6 @@ std::vector<std::string> sections(const vmiVelmcontur& doc)
 const std::vector<double> xs = {10.0, 20.0, 30.0, 40.0};
 const std::vector<double> ys = {5.0, 15.0, 5.0, 15.0};
 
-// A base grid of nx x ny nodes at spacing d, every node at height z.
-vmiBaseGrid* flat_base(int nx, int ny, double d, double z)
-{
-    vmiBaseGrid* g = new vmiBaseGrid(nx, ny, d, d);
-    for (int j = 0; j < ny; ++j)
-        for (int i = 0; i < nx; ++i)
-            g->point(i, j, m03DPoint(i * d, j * d, z));
-    return g;
-}
-
 }  // namespace
 
 TEST(vmiVelmcontur, HeaderAndEndLinesOnly_YieldNoObjects)
@@ -68,7 +59,7 @@ TEST(vmiVelmcontur, HeaderAndEndLinesOnly_YieldNoObjects)
 
 TEST(vmiVelmcontur, NullOrEmptyData_GivesStatusMinusOneAndNoObjects)
 {
-    vmiVelmcontur none(nullptr, 10, 1, flat_base(3, 3, 1.0, 1.0));
+    vmiVelmcontur none(nullptr, 10, 1, flat_grid(3, 3, 1.0).release());
     EXPECT_EQ(none.status(), -1);
     EXPECT_EQ(none.no_of_objects(), 0);
     EXPECT_EQ(none.working_grid(), nullptr);
@@ -101,7 +92,7 @@ TEST(vmiVelmcontur, WithoutBaseGrid_WorkingGridIs440By760AtHalfSpacing)
     EXPECT_EQ(doc->ynum(), 760);
     EXPECT_EQ(doc->randx(), 30.0);
     EXPECT_EQ(doc->randy(), 30.0);
-    EXPECT_EQ(doc->working_grid()->point(439, 759).z(), -10000.0);
+    EXPECT_EQ(doc->working_grid()->point(439, 759).z(), vmiBaseGrid::empty_z);
 }
 
 TEST(vmiVelmcontur, HPelotteSRunsItsOwnReaderNotHPelotte)
@@ -307,7 +298,7 @@ TEST(vmiVelmcontur, Kerneldata_KeysNotGivenKeepTheirValues)
 TEST(vmiVelmcontur, BaseGrid_SetsExtentSpacingAndSitsInsideTheMargin)
 {
     // 11 x 21 nodes at spacing 1: box 0..10 x 0..20, so (10 + 60) x (20 + 60).
-    auto doc = parse("0001\n0999 \n", 1, flat_base(11, 21, 1.0, 5.0));
+    auto doc = parse("0001\n0999 \n", 1, flat_grid(11, 21, 5.0).release());
     vmiBaseGrid* g = doc->working_grid();
     ASSERT_NE(g, nullptr);
     EXPECT_EQ(g->x_size(), 70);
@@ -315,22 +306,22 @@ TEST(vmiVelmcontur, BaseGrid_SetsExtentSpacingAndSitsInsideTheMargin)
     EXPECT_EQ(g->d_x(), 1.0);
     EXPECT_EQ(g->point(30, 30).z(), 5.0);
     EXPECT_EQ(g->point(40, 50).z(), 5.0);
-    EXPECT_EQ(g->point(29, 30).z(), -10000.0);
-    EXPECT_EQ(g->point(41, 30).z(), -10000.0);
-    EXPECT_EQ(g->point(30, 51).z(), -10000.0);
+    EXPECT_EQ(g->point(29, 30).z(), vmiBaseGrid::empty_z);
+    EXPECT_EQ(g->point(41, 30).z(), vmiBaseGrid::empty_z);
+    EXPECT_EQ(g->point(30, 51).z(), vmiBaseGrid::empty_z);
 }
 
 TEST(vmiVelmcontur, Kerneldata_MergesTheBaseGridAtTheNewMargin)
 {
     auto doc = parse(contour_text().kerneldata(40, 50, 1.0, 1.0, 12.0, 15.0).end().text(), 1,
-                     flat_base(11, 21, 1.0, 5.0));
+                     flat_grid(11, 21, 5.0).release());
     vmiBaseGrid* g = doc->working_grid();
     ASSERT_NE(g, nullptr);
     EXPECT_EQ(g->x_size(), 40);
     EXPECT_EQ(g->point(12, 15).z(), 5.0);
     EXPECT_EQ(g->point(22, 35).z(), 5.0);
-    EXPECT_EQ(g->point(11, 15).z(), -10000.0);
-    EXPECT_EQ(g->point(23, 35).z(), -10000.0);
+    EXPECT_EQ(g->point(11, 15).z(), vmiBaseGrid::empty_z);
+    EXPECT_EQ(g->point(23, 35).z(), vmiBaseGrid::empty_z);
 }
 
 TEST(vmiVelmcontur, Kerneldata_GridBeyondMaxNodesKeepsThePreviousWorkingGrid)
@@ -380,7 +371,7 @@ TEST(vmiVelmcontur, Kerneldata_NegativeOrZeroCountsAndHugeMarginsAreRefused)
 
 TEST(vmiVelmcontur, BaseGridWithZeroSpacing_LeavesNoWorkingGridAndParsesOn)
 {
-    vmiBaseGrid* base = flat_base(3, 3, 1.0, 1.0);
+    vmiBaseGrid* base = flat_grid(3, 3, 1.0).release();
     base->d_x() = 0.0;
     auto doc = parse(contour_text()
                          .rohlingsdaten("sole", xs, ys, {}, {}, {}, 0.0, 0.0)

@@ -17,8 +17,8 @@
 
 namespace {
 
-constexpr int kCurves = 240;
-constexpr int kRandomParameters = 25;
+constexpr int curve_count = 240;
+constexpr int random_parameters = 25;
 
 m0BspCurve* random_curve(std::mt19937_64& rng)
 {
@@ -89,7 +89,7 @@ void print_curve(m0BspCurve* c, std::mt19937_64& rng)
     for (int i = 0; i < kv->size(); i++)
         ts.push_back(kv->point(i));
     std::uniform_real_distribution<double> inside(kv->point(0), kv->point(kv->size() - 1));
-    for (int i = 0; i < kRandomParameters; i++)
+    for (int i = 0; i < random_parameters; i++)
         ts.push_back(inside(rng));
     for (double t : ts) {
         std::printf("eval %.17g", t);
@@ -106,7 +106,7 @@ void print_curve(m0BspCurve* c, std::mt19937_64& rng)
 int main()
 {
     std::mt19937_64 rng(5302);
-    for (int i = 0; i < kCurves; i++) {
+    for (int i = 0; i < curve_count; i++) {
         m0BspCurve* c = random_curve(rng);
         print_curve(c, rng);
         delete c;

@@ -29,14 +29,14 @@ void expect_values(const m01DVector& v, std::initializer_list<double> want)
 
 }  // namespace
 
-TEST(M01DVector, Constructor_SetsCountAndStorage)
+TEST(m01DVector, Constructor_SetsCountAndStorage)
 {
     m01DVector v(4);
     EXPECT_EQ(v.size(), 4);
     EXPECT_NE(v.get_data_pointer(), nullptr);
 }
 
-TEST(M01DVector, Constructor_NegativeCountMakesEmptyVector)
+TEST(m01DVector, Constructor_NegativeCountMakesEmptyVector)
 {
     m01DVector v(-3);
     EXPECT_EQ(v.size(), 0);
@@ -44,14 +44,14 @@ TEST(M01DVector, Constructor_NegativeCountMakesEmptyVector)
     EXPECT_EQ(v.check_params_order(), 1);
 }
 
-TEST(M01DVector, CopyByValue_IsNotAllowed)
+TEST(m01DVector, CopyByValue_IsNotAllowed)
 {
     static_assert(!std::is_copy_constructible_v<m01DVector>);
     static_assert(!std::is_copy_assignable_v<m01DVector>);
     SUCCEED();
 }
 
-TEST(M01DVector, CopyFromPointer_IsDeep)
+TEST(m01DVector, CopyFromPointer_IsDeep)
 {
     auto v = make_params({1.0, 2.0, 3.0});
     m01DVector copy(v.get());
@@ -60,7 +60,7 @@ TEST(M01DVector, CopyFromPointer_IsDeep)
     expect_values(copy, {1.0, 2.0, 3.0});
 }
 
-TEST(M01DVector, SizeAndSetSize_RewriteOnlyTheCount)
+TEST(m01DVector, SizeAndSetSize_RewriteOnlyTheCount)
 {
     auto v = make_params({1.0, 2.0, 3.0});
     double* storage = v->get_data_pointer();
@@ -71,7 +71,7 @@ TEST(M01DVector, SizeAndSetSize_RewriteOnlyTheCount)
     expect_values(*v, {1.0, 2.0, 3.0});
 }
 
-TEST(M01DVector, PointAndSetPoint_ReachTheSameSlot)
+TEST(m01DVector, PointAndSetPoint_ReachTheSameSlot)
 {
     m01DVector v(2);
     v.set_point(1, 2.5);
@@ -80,36 +80,36 @@ TEST(M01DVector, PointAndSetPoint_ReachTheSameSlot)
     EXPECT_EQ(v.get_data_pointer()[0], -1.0);
 }
 
-TEST(M01DVector, Reverse_OddCountKeepsMiddle)
+TEST(m01DVector, Reverse_OddCountKeepsMiddle)
 {
     auto v = make_params({1.0, 2.0, 3.0});
     v->reverse();
     expect_values(*v, {3.0, 2.0, 1.0});
 }
 
-TEST(M01DVector, Reverse_EvenCountSwapsAll)
+TEST(m01DVector, Reverse_EvenCountSwapsAll)
 {
     auto v = make_params({1.0, 2.0, 3.0, 4.0});
     v->reverse();
     expect_values(*v, {4.0, 3.0, 2.0, 1.0});
 }
 
-TEST(M01DVector, CheckParamsOrder_EqualNeighboursAreInOrder)
+TEST(m01DVector, CheckParamsOrder_EqualNeighboursAreInOrder)
 {
     EXPECT_EQ(make_params({0.0, 1.0, 1.0, 2.0})->check_params_order(), 1);
 }
 
-TEST(M01DVector, CheckParamsOrder_DecreaseIsOutOfOrder)
+TEST(m01DVector, CheckParamsOrder_DecreaseIsOutOfOrder)
 {
     EXPECT_EQ(make_params({0.0, 2.0, 1.0})->check_params_order(), 0);
 }
 
-TEST(M01DVector, CheckParamsOrder_SingleValueIsInOrder)
+TEST(m01DVector, CheckParamsOrder_SingleValueIsInOrder)
 {
     EXPECT_EQ(make_params({5.0})->check_params_order(), 1);
 }
 
-TEST(M01DVector, FindLimitRange_FirstAboveAAndFirstAboveB)
+TEST(m01DVector, FindLimitRange_FirstAboveAAndFirstAboveB)
 {
     auto v = make_params({0.0, 1.0, 2.0, 3.0});
     int first = -1;
@@ -122,7 +122,7 @@ TEST(M01DVector, FindLimitRange_FirstAboveAAndFirstAboveB)
     EXPECT_EQ(last, 4);
 }
 
-TEST(M01DVector, FindLimitRange_NothingAboveAStopsAtLastIndex)
+TEST(m01DVector, FindLimitRange_NothingAboveAStopsAtLastIndex)
 {
     auto v = make_params({0.0, 1.0, 2.0, 3.0});
     int first = -1;
@@ -135,7 +135,7 @@ TEST(M01DVector, FindLimitRange_NothingAboveAStopsAtLastIndex)
     EXPECT_EQ(last, 3);
 }
 
-TEST(M01DVector, FindLimitRange_EmptyListGivesZeroes)
+TEST(m01DVector, FindLimitRange_EmptyListGivesZeroes)
 {
     m01DVector v(0);
     int first = -1;
@@ -145,14 +145,14 @@ TEST(M01DVector, FindLimitRange_EmptyListGivesZeroes)
     EXPECT_EQ(last, 0);
 }
 
-TEST(M01DVector, LimitParams_KeepsAInteriorValuesAndB)
+TEST(m01DVector, LimitParams_KeepsAInteriorValuesAndB)
 {
     auto v = make_params({0.0, 1.0, 2.0, 3.0});
     v->limit_params(0.5, 2.5);
     expect_values(*v, {0.5, 1.0, 2.0, 2.5});
 }
 
-TEST(M01DVector, LimitParams_BWithin1e6OfLastValueIsDropped)
+TEST(m01DVector, LimitParams_BWithin1e6OfLastValueIsDropped)
 {
     auto v = make_params({0.0, 1.0, 2.0, 3.0});
     v->limit_params(0.5, 2.0000005);
@@ -160,21 +160,21 @@ TEST(M01DVector, LimitParams_BWithin1e6OfLastValueIsDropped)
     expect_values(*v, {0.5, 1.0, 2.0});
 }
 
-TEST(M01DVector, LimitParams_InteriorValueWithin1e6OfAIsDropped)
+TEST(m01DVector, LimitParams_InteriorValueWithin1e6OfAIsDropped)
 {
     auto v = make_params({0.0, 1.0, 2.0, 3.0});
     v->limit_params(0.9999995, 1.5);
     expect_values(*v, {0.9999995, 1.5});
 }
 
-TEST(M01DVector, LimitParams_EmptyListGivesAAndB)
+TEST(m01DVector, LimitParams_EmptyListGivesAAndB)
 {
     m01DVector v(0);
     v.limit_params(0.25, 0.75);
     expect_values(v, {0.25, 0.75});
 }
 
-TEST(M01DVector, LimitParamsClosed_WrapShiftsEveryValueBeforeLast)
+TEST(m01DVector, LimitParamsClosed_WrapShiftsEveryValueBeforeLast)
 {
     auto v = make_params({0.0, 1.0, 2.0, 3.0, 4.0});
     v->limit_params_closed(3.5, 0.5);
@@ -182,7 +182,7 @@ TEST(M01DVector, LimitParamsClosed_WrapShiftsEveryValueBeforeLast)
     expect_values(*v, {3.5, 4.0, 5.0, 6.0, 7.0});
 }
 
-TEST(M01DVector, LimitParamsClosed_ShiftedValuesBeyondBAreNotNarrowed)
+TEST(m01DVector, LimitParamsClosed_ShiftedValuesBeyondBAreNotNarrowed)
 {
     auto v = make_params({0.0, 1.0, 2.0, 3.0, 4.0});
     v->limit_params_closed(2.5, 0.5);
@@ -190,28 +190,28 @@ TEST(M01DVector, LimitParamsClosed_ShiftedValuesBeyondBAreNotNarrowed)
     expect_values(*v, {2.5, 3.0, 4.0, 5.0, 6.0});
 }
 
-TEST(M01DVector, LimitParamsClosed_WrapAppendsBPlusPeriodWhenAbove)
+TEST(m01DVector, LimitParamsClosed_WrapAppendsBPlusPeriodWhenAbove)
 {
     auto v = make_params({0.0, 1.0, 2.0, 3.0, 4.0});
     v->limit_params_closed(0.5, 0.25);
     expect_values(*v, {0.5, 1.0, 2.0, 3.0, 4.0, 4.25});
 }
 
-TEST(M01DVector, LimitParamsClosed_BAfterAIsAnOpenLimit)
+TEST(m01DVector, LimitParamsClosed_BAfterAIsAnOpenLimit)
 {
     auto v = make_params({0.0, 1.0, 2.0, 3.0, 4.0});
     v->limit_params_closed(1.5, 3.5);
     expect_values(*v, {1.5, 2.0, 3.0, 3.5});
 }
 
-TEST(M01DVector, LimitParamsClosed_StartJustBelowFirstSnapsToIt)
+TEST(m01DVector, LimitParamsClosed_StartJustBelowFirstSnapsToIt)
 {
     auto v = make_params({0.0, 1.0, 2.0, 3.0, 4.0});
     v->limit_params_closed(-5e-8, 1.5);
     expect_values(*v, {0.0, 1.0, 1.5});
 }
 
-TEST(M01DVector, LimitParamsClosed_StartBelowFirstMovesOnAPeriod)
+TEST(m01DVector, LimitParamsClosed_StartBelowFirstMovesOnAPeriod)
 {
     auto v = make_params({0.0, 1.0, 2.0, 3.0, 4.0});
     // -0.5 becomes 3.5, which is above b = 3.75: an open limit from 3.5.
@@ -219,7 +219,7 @@ TEST(M01DVector, LimitParamsClosed_StartBelowFirstMovesOnAPeriod)
     expect_values(*v, {3.5, 3.75});
 }
 
-TEST(M01DVector, LimitParamsClosed_StartBeyondTheListStaysWithinRoom)
+TEST(m01DVector, LimitParamsClosed_StartBeyondTheListStaysWithinRoom)
 {
     auto v = make_params({0.0, 1.0, 2.0, 3.0, 4.0});
     // Nothing exceeds a = 10, so only a remains.
@@ -227,7 +227,7 @@ TEST(M01DVector, LimitParamsClosed_StartBeyondTheListStaysWithinRoom)
     expect_values(*v, {10.0});
 }
 
-TEST(M01DVector, LimitParamsClosed_EmptyListIsAnOpenLimit)
+TEST(m01DVector, LimitParamsClosed_EmptyListIsAnOpenLimit)
 {
     m01DVector v(0);
     v.limit_params_closed(0.5, 0.25);

@@ -1,4 +1,5 @@
 #include "curves/m03DVector.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
@@ -9,22 +10,6 @@
 #include <vector>
 
 namespace {
-
-std::unique_ptr<m03DVector> make_polyline(std::initializer_list<m03DPoint> pts)
-{
-    auto v = std::make_unique<m03DVector>(static_cast<int>(pts.size()));
-    int i = 0;
-    for (const m03DPoint& p : pts)
-        v->set_point(i++, p);
-    return v;
-}
-
-void expect_point(const m03DPoint& p, double x, double y, double z)
-{
-    EXPECT_EQ(p.x(), x);
-    EXPECT_EQ(p.y(), y);
-    EXPECT_EQ(p.z(), z);
-}
 
 void expect_points(const m03DVector& v, std::initializer_list<m03DPoint> want)
 {
@@ -38,7 +23,7 @@ void expect_points(const m03DVector& v, std::initializer_list<m03DPoint> want)
 
 }  // namespace
 
-TEST(M03DVector, Constructor_PointsStartAtOrigin)
+TEST(m03DVector, Constructor_PointsStartAtOrigin)
 {
     m03DVector v(3);
     ASSERT_EQ(v.size(), 3);
@@ -47,7 +32,7 @@ TEST(M03DVector, Constructor_PointsStartAtOrigin)
         expect_point(v.point(i), 0.0, 0.0, 0.0);
 }
 
-TEST(M03DVector, Constructor_NegativeCountMakesEmptyVector)
+TEST(m03DVector, Constructor_NegativeCountMakesEmptyVector)
 {
     m03DVector v(-5);
     EXPECT_EQ(v.size(), 0);
@@ -58,23 +43,23 @@ TEST(M03DVector, Constructor_NegativeCountMakesEmptyVector)
     expect_point(v.point(0.5), 0.0, 0.0, 0.0);
 }
 
-TEST(M03DVector, Constructor_ZeroCountHasNoStorage)
+TEST(m03DVector, Constructor_ZeroCountHasNoStorage)
 {
     m03DVector v(0);
     EXPECT_EQ(v.size(), 0);
     EXPECT_EQ(v.get_point_array(), nullptr);
 }
 
-TEST(M03DVector, CopyFromPointer_IsDeep)
+TEST(m03DVector, CopyFromPointer_IsDeep)
 {
-    auto v = make_polyline({{1, 2, 3}, {4, 5, 6}});
+    auto v = polyline({{1, 2, 3}, {4, 5, 6}});
     m03DVector copy(v.get());
     v->point(0) = m03DPoint(9, 9, 9);
     EXPECT_NE(copy.get_point_array(), v->get_point_array());
     expect_points(copy, {{1, 2, 3}, {4, 5, 6}});
 }
 
-TEST(M03DVector, CopyFromEmpty_IsEmpty)
+TEST(m03DVector, CopyFromEmpty_IsEmpty)
 {
     m03DVector empty(0);
     m03DVector copy(&empty);
@@ -82,16 +67,16 @@ TEST(M03DVector, CopyFromEmpty_IsEmpty)
     EXPECT_EQ(copy.get_point_array(), nullptr);
 }
 
-TEST(M03DVector, SizeReference_RewritesCount)
+TEST(m03DVector, SizeReference_RewritesCount)
 {
     m03DVector v(4);
     v.size() = 2;
     EXPECT_EQ(v.size(), 2);
 }
 
-TEST(M03DVector, SetSize_NeitherReallocatesNorClears)
+TEST(m03DVector, SetSize_NeitherReallocatesNorClears)
 {
-    auto v = make_polyline({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}});
+    auto v = polyline({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}});
     m03DPoint* storage = v->get_point_array();
     v->set_size(1);
     v->set_size(3);
@@ -99,7 +84,7 @@ TEST(M03DVector, SetSize_NeitherReallocatesNorClears)
     expect_points(*v, {{1, 0, 0}, {2, 0, 0}, {3, 0, 0}});
 }
 
-TEST(M03DVector, PointAndSetPoint_ReachTheSameSlot)
+TEST(m03DVector, PointAndSetPoint_ReachTheSameSlot)
 {
     m03DVector v(2);
     v.set_point(1, m03DPoint(7, 8, 9));
@@ -108,65 +93,65 @@ TEST(M03DVector, PointAndSetPoint_ReachTheSameSlot)
     expect_point(v.get_point_array()[0], 1, 1, 1);
 }
 
-TEST(M03DVector, PointAtParameter_InterpolatesInsideASegment)
+TEST(m03DVector, PointAtParameter_InterpolatesInsideASegment)
 {
-    auto v = make_polyline({{0, 0, 0}, {2, 0, 0}, {2, 4, 0}});
+    auto v = polyline({{0, 0, 0}, {2, 0, 0}, {2, 4, 0}});
     expect_point(v->point(0.25), 0.5, 0.0, 0.0);
     expect_point(v->point(1.5), 2.0, 2.0, 0.0);
     expect_point(v->point(1.0), 2.0, 0.0, 0.0);
 }
 
-TEST(M03DVector, PointAtParameter_2Point5OnThreePointsIsLastPoint)
+TEST(m03DVector, PointAtParameter_2Point5OnThreePointsIsLastPoint)
 {
-    auto v = make_polyline({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}});
+    auto v = polyline({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}});
     expect_point(v->point(2.5), 1, 1, 0);
     expect_point(v->point(2.0), 1, 1, 0);
 }
 
-TEST(M03DVector, PointAtParameter_MinusHalfExtendsFirstSegmentBackwards)
+TEST(m03DVector, PointAtParameter_MinusHalfExtendsFirstSegmentBackwards)
 {
-    auto v = make_polyline({{1, 1, 0}, {3, 2, 0}, {3, 5, 0}});
+    auto v = polyline({{1, 1, 0}, {3, 2, 0}, {3, 5, 0}});
     // point(0) - 0.5 * (point(1) - point(0)): before the first point, kept as designed.
     expect_point(v->point(-0.5), 0.0, 0.5, 0.0);
 }
 
-TEST(M03DVector, PointAtParameter_MinusOnePointFiveIsFirstPoint)
+TEST(m03DVector, PointAtParameter_MinusOnePointFiveIsFirstPoint)
 {
-    auto v = make_polyline({{1, 1, 0}, {3, 2, 0}, {3, 5, 0}});
+    auto v = polyline({{1, 1, 0}, {3, 2, 0}, {3, 5, 0}});
     expect_point(v->point(-1.5), 1, 1, 0);
     expect_point(v->point(-1.0), 1, 1, 0);
 }
 
-TEST(M03DVector, PointAtParameter_HugeOrNaNParameterIsAnEndPoint)
+TEST(m03DVector, PointAtParameter_HugeOrNaNParameterIsAnEndPoint)
 {
-    auto v = make_polyline({{1, 1, 0}, {3, 2, 0}});
+    auto v = polyline({{1, 1, 0}, {3, 2, 0}});
     expect_point(v->point(1e300), 3, 2, 0);
     expect_point(v->point(-1e300), 1, 1, 0);
     expect_point(v->point(std::numeric_limits<double>::quiet_NaN()), 3, 2, 0);
 }
 
-TEST(M03DVector, Length_SumsSegmentLengths)
+TEST(m03DVector, Length_SumsSegmentLengths)
 {
-    auto v = make_polyline({{0, 0, 0}, {3, 4, 0}, {3, 4, 12}});
+    auto v = polyline({{0, 0, 0}, {3, 4, 0}, {3, 4, 12}});
     EXPECT_EQ(v->length(), 17.0);
 }
 
-TEST(M03DVector, Length_FewerThanTwoPointsIsZero)
+TEST(m03DVector, Length_FewerThanTwoPointsIsZero)
 {
-    auto v = make_polyline({{5, 5, 5}});
+    auto v = polyline({{5, 5, 5}});
     EXPECT_EQ(v->length(), 0.0);
 }
 
-TEST(M03DVector, MinDistPoint_SinglePointIsThatPoint)
+TEST(m03DVector, MinDistPoint_SinglePointIsThatPoint)
 {
-    auto v = make_polyline({{5, 6, 7}});
+    auto v = polyline({{5, 6, 7}});
     m03DPoint q(0, 0, 0);
     expect_point(v->min_dist_point(q), 5, 6, 7);
 }
 
-TEST(M03DVector, MinDistPoint_ProjectsOntoNearestSegment)
+TEST(m03DVector, MinDistPoint_ProjectsOntoNearestSegment)
 {
-    auto v = make_polyline({{0, 0, 0}, {4, 0, 0}, {4, 4, 0}});
+    auto v = polyline({{0, 0, 0}, {4, 0, 0}, {4, 4, 0}});
     m03DPoint q(5, 3, 0);
     expect_point(v->min_dist_point(q), 4, 3, 0);
     m03DPoint r(1, -2, 0);
@@ -175,55 +160,55 @@ TEST(M03DVector, MinDistPoint_ProjectsOntoNearestSegment)
     expect_point(v->min_dist_point(beyond), 4, 4, 0);
 }
 
-TEST(M03DVector, MinDistPoint_TieKeepsEarlierSegment)
+TEST(m03DVector, MinDistPoint_TieKeepsEarlierSegment)
 {
     // The origin is exactly 1 from the start of the first segment and from the end
     // of the last one.
-    auto v = make_polyline({{-1, 0, 0}, {-3, 0, 0}, {-3, 5, 0}, {1, 5, 0}, {1, 0, 0}});
+    auto v = polyline({{-1, 0, 0}, {-3, 0, 0}, {-3, 5, 0}, {1, 5, 0}, {1, 0, 0}});
     m03DPoint q(0, 0, 0);
     expect_point(v->min_dist_point(q), -1, 0, 0);
 }
 
-TEST(M03DVector, MinDistPoint_ZeroLengthSegmentOffersItsStart)
+TEST(m03DVector, MinDistPoint_ZeroLengthSegmentOffersItsStart)
 {
-    auto v = make_polyline({{0, 0, 0}, {0, 0, 0}});
+    auto v = polyline({{0, 0, 0}, {0, 0, 0}});
     m03DPoint q(1, 1, 1);
     expect_point(v->min_dist_point(q), 0, 0, 0);
 }
 
-TEST(M03DVector, Offset_AddsToEveryPoint)
+TEST(m03DVector, Offset_AddsToEveryPoint)
 {
-    auto v = make_polyline({{0, 0, 0}, {1, 2, 3}});
+    auto v = polyline({{0, 0, 0}, {1, 2, 3}});
     v->offset(m03DPoint(1, -1, 0.5));
     expect_points(*v, {{1, -1, 0.5}, {2, 1, 3.5}});
 }
 
-TEST(M03DVector, Reverse_OddCountKeepsMiddle)
+TEST(m03DVector, Reverse_OddCountKeepsMiddle)
 {
-    auto v = make_polyline({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}});
+    auto v = polyline({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}});
     v->reverse();
     expect_points(*v, {{3, 0, 0}, {2, 0, 0}, {1, 0, 0}});
 }
 
-TEST(M03DVector, Reverse_EvenCountSwapsAll)
+TEST(m03DVector, Reverse_EvenCountSwapsAll)
 {
-    auto v = make_polyline({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}});
+    auto v = polyline({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}});
     v->reverse();
     expect_points(*v, {{4, 0, 0}, {3, 0, 0}, {2, 0, 0}, {1, 0, 0}});
 }
 
-TEST(M03DVector, DeletePoint_ShiftsLaterPointsDownInPlace)
+TEST(m03DVector, DeletePoint_ShiftsLaterPointsDownInPlace)
 {
-    auto v = make_polyline({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}});
+    auto v = polyline({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}});
     m03DPoint* storage = v->get_point_array();
     v->delete_point(1);
     EXPECT_EQ(v->get_point_array(), storage);
     expect_points(*v, {{1, 0, 0}, {3, 0, 0}});
 }
 
-TEST(M03DVector, DeletePoint_IndexPastEndOrNegativeIsIgnored)
+TEST(m03DVector, DeletePoint_IndexPastEndOrNegativeIsIgnored)
 {
-    auto v = make_polyline({{1, 0, 0}, {2, 0, 0}});
+    auto v = polyline({{1, 0, 0}, {2, 0, 0}});
     v->delete_point(2);
     v->delete_point(-1);
     expect_points(*v, {{1, 0, 0}, {2, 0, 0}});
@@ -232,30 +217,30 @@ TEST(M03DVector, DeletePoint_IndexPastEndOrNegativeIsIgnored)
     EXPECT_EQ(empty.size(), 0);
 }
 
-TEST(M03DVector, DeleteCoincide_DropsPointsWithin1e5OfLastKept)
+TEST(m03DVector, DeleteCoincide_DropsPointsWithin1e5OfLastKept)
 {
-    auto v = make_polyline({{0, 0, 0}, {0, 0, 1e-6}, {0, 0, 2e-5}});
+    auto v = polyline({{0, 0, 0}, {0, 0, 1e-6}, {0, 0, 2e-5}});
     v->delete_coincide();
     expect_points(*v, {{0, 0, 0}, {0, 0, 2e-5}});
 }
 
-TEST(M03DVector, DeleteCoincide_ComparesWithLastKeptNotWithPredecessor)
+TEST(m03DVector, DeleteCoincide_ComparesWithLastKeptNotWithPredecessor)
 {
     // Each step is 6e-6, but the third point is 1.2e-5 from the kept first one.
-    auto v = make_polyline({{0, 0, 0}, {6e-6, 0, 0}, {1.2e-5, 0, 0}});
+    auto v = polyline({{0, 0, 0}, {6e-6, 0, 0}, {1.2e-5, 0, 0}});
     v->delete_coincide();
     expect_points(*v, {{0, 0, 0}, {1.2e-5, 0, 0}});
 }
 
-TEST(M03DVector, DeleteCoincide_ClosedPolylineKeepsDistinctClosingPoint)
+TEST(m03DVector, DeleteCoincide_ClosedPolylineKeepsDistinctClosingPoint)
 {
     // The first point is never compared with the last.
-    auto v = make_polyline({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 0, 0}});
+    auto v = polyline({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 0, 0}});
     v->delete_coincide();
     expect_points(*v, {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 0, 0}});
 }
 
-TEST(M03DVector, DeleteCoincide_EmptyVectorIsLeftAlone)
+TEST(m03DVector, DeleteCoincide_EmptyVectorIsLeftAlone)
 {
     m03DVector v(0);
     v.delete_coincide();
@@ -263,37 +248,37 @@ TEST(M03DVector, DeleteCoincide_EmptyVectorIsLeftAlone)
     EXPECT_EQ(v.get_point_array(), nullptr);
 }
 
-TEST(M03DVector, Limit_SameSegmentLeavesExactlyAAndB)
+TEST(m03DVector, Limit_SameSegmentLeavesExactlyAAndB)
 {
-    auto v = make_polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}});
+    auto v = polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}});
     m03DPoint a(2, 0, 0);
     m03DPoint b(7, 0, 0);
     v->limit(a, b);
     expect_points(*v, {{2, 0, 0}, {7, 0, 0}});
 }
 
-TEST(M03DVector, Limit_KeepsPointsStrictlyBetweenTheTwoSegments)
+TEST(m03DVector, Limit_KeepsPointsStrictlyBetweenTheTwoSegments)
 {
-    auto v = make_polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}});
+    auto v = polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}});
     m03DPoint a(5, 0, 0);
     m03DPoint b(5, 10, 0);
     v->limit(a, b);
     expect_points(*v, {{5, 0, 0}, {10, 0, 0}, {10, 10, 0}, {5, 10, 0}});
 }
 
-TEST(M03DVector, Limit_OpenPolylineBBeforeAGivesReversedPiece)
+TEST(m03DVector, Limit_OpenPolylineBBeforeAGivesReversedPiece)
 {
-    auto v = make_polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}});
+    auto v = polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}});
     m03DPoint a(5, 10, 0);
     m03DPoint b(5, 0, 0);
     v->limit(a, b);
     expect_points(*v, {{5, 10, 0}, {10, 10, 0}, {10, 0, 0}, {5, 0, 0}});
 }
 
-TEST(M03DVector, Limit_ClosedAcrossSeamCopiesBothFirstAndLastPoint)
+TEST(m03DVector, Limit_ClosedAcrossSeamCopiesBothFirstAndLastPoint)
 {
     // A closed square; a lies on its last segment, b on its first.
-    auto v = make_polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}, {0, 0, 0}});
+    auto v = polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}, {0, 0, 0}});
     m03DPoint a(0, 5, 0);
     m03DPoint b(5, 0, 0);
     v->limit(a, b);
@@ -301,36 +286,36 @@ TEST(M03DVector, Limit_ClosedAcrossSeamCopiesBothFirstAndLastPoint)
     expect_points(*v, {{0, 5, 0}, {0, 0, 0}, {0, 0, 0}, {5, 0, 0}});
 }
 
-TEST(M03DVector, Limit_ClosedWithoutWrapTrimsInPlace)
+TEST(m03DVector, Limit_ClosedWithoutWrapTrimsInPlace)
 {
-    auto v = make_polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}, {0, 0, 0}});
+    auto v = polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}, {0, 0, 0}});
     m03DPoint a(5, 0, 0);
     m03DPoint b(10, 5, 0);
     v->limit(a, b);
     expect_points(*v, {{5, 0, 0}, {10, 0, 0}, {10, 5, 0}});
 }
 
-TEST(M03DVector, Limit_CoincidentEndsChangeNothing)
+TEST(m03DVector, Limit_CoincidentEndsChangeNothing)
 {
-    auto v = make_polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}});
+    auto v = polyline({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}});
     m03DPoint a(5, 0, 0);
     m03DPoint b(5, 0, 5e-7);
     v->limit(a, b);
     expect_points(*v, {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}});
 }
 
-TEST(M03DVector, Limit_TwoPointsBecomeAAndB)
+TEST(m03DVector, Limit_TwoPointsBecomeAAndB)
 {
-    auto v = make_polyline({{0, 0, 0}, {10, 0, 0}});
+    auto v = polyline({{0, 0, 0}, {10, 0, 0}});
     m03DPoint a(8, 0, 0);
     m03DPoint b(1, 0, 0);
     v->limit(a, b);
     expect_points(*v, {{8, 0, 0}, {1, 0, 0}});
 }
 
-TEST(M03DVector, Limit_FewerThanTwoPointsIsLeftAlone)
+TEST(m03DVector, Limit_FewerThanTwoPointsIsLeftAlone)
 {
-    auto v = make_polyline({{3, 3, 3}});
+    auto v = polyline({{3, 3, 3}});
     m03DPoint a(0, 0, 0);
     m03DPoint b(1, 0, 0);
     v->limit(a, b);

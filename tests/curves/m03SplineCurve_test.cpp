@@ -3,9 +3,11 @@
 #include "curves/m03SplineCurve.h"
 #include "curves/m0BspCurve.h"
 #include "host/rnxNurbCurve3.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -14,22 +16,6 @@
 namespace {
 
 using Pts = std::vector<m03DPoint>;
-
-m03DVector* make_points(const Pts& pts)
-{
-    auto* v = new m03DVector(static_cast<int>(pts.size()));
-    for (int i = 0; i < static_cast<int>(pts.size()); ++i)
-        v->set_point(i, pts[i]);
-    return v;
-}
-
-m01DVector* make_values(const std::vector<double>& values)
-{
-    auto* v = new m01DVector(static_cast<int>(values.size()));
-    for (int i = 0; i < static_cast<int>(values.size()); ++i)
-        v->set_point(i, values[i]);
-    return v;
-}
 
 double dist(const m03DPoint& a, const m03DPoint& b) { return (a - b).module(); }
 
@@ -152,11 +138,91 @@ Pts wavy_points(int n)
     return p;
 }
 
+// The closed system swept as the spline sweeps it, with the forward rescaling
+// rule chosen: by the largest of a row's three entries (the spline's rule) or,
+// as the open sweep does, boosting when the smallest is tiny. Tangents
+// T0 ... Tm-1 for the parameters u.
+std::vector<m03DPoint> swept_closed(const Pts& p, const std::vector<double>& u, bool by_largest)
+{
+    const double too_big = 1e8, too_small = 1e-10, boost = 1e10;
+    const int n = static_cast<int>(p.size());
+    const int m = n - 1;
+    std::vector<double> below(m, 0.0), diag(m, 0.0), above(m, 0.0), last(m, 0.0);
+    std::vector<m03DPoint> r(m);
+    double h0 = u[1] - u[0], hN = u[n - 1] - u[n - 2];
+    double q = hN / h0;
+    diag[0] = 2.0 * (q + 1.0);
+    above[0] = q;
+    last[0] = 1.0;
+    r[0] = (p[1] - p[0]) * (3.0 * hN) / (h0 * h0) - (p[n - 2] - p[n - 1]) * 3.0 / hN;
+    for (int i = 1; i <= m - 1; ++i) {
+        double hL = u[i] - u[i - 1], hR = u[i + 1] - u[i];
+        below[i] = hR;
+        diag[i] = 2.0 * (hL + hR);
+        above[i] = hL;
+        r[i] = interior_rhs(p, i, hL, hR);
+    }
+    above[m - 1] = below[m - 1];
+    for (int i = 1; i <= m - 1; ++i) {
+        double bp = diag[i - 1], cp = above[i - 1], lp = last[i - 1];
+        double a = below[i], b = diag[i], c = above[i];
+        below[i] = 0.0;
+        diag[i] = b * bp - a * cp;
+        if (i <= m - 3)
+            last[i] = -a * lp;
+        above[i] = i == m - 2 ? c * bp - a * lp : c * bp;
+        r[i] = r[i] * bp - r[i - 1] * a;
+        double big = std::max({std::fabs(diag[i]), std::fabs(above[i]), std::fabs(last[i])});
+        double small = std::min({std::fabs(diag[i]), std::fabs(above[i]), std::fabs(last[i])});
+        if (big > too_big) {
+            diag[i] /= big;
+            above[i] /= big;
+            last[i] /= big;
+            r[i] /= big;
+        } else if ((by_largest ? big : small) < too_small) {
+            diag[i] *= boost;
+            above[i] *= boost;
+            last[i] *= boost;
+            r[i] *= boost;
+        }
+    }
+    last[m - 2] = above[m - 2];
+    above[m - 2] = 0.0;
+    for (int i = m - 3; i >= 0; --i) {
+        double dn = diag[i + 1], ln = last[i + 1], c = above[i];
+        above[i] = 0.0;
+        diag[i] = diag[i] * dn;
+        last[i] = last[i] * dn - c * ln;
+        r[i] = r[i] * dn - r[i + 1] * c;
+        double d = std::fabs(diag[i]), l = std::fabs(last[i]);
+        double big = std::max(d, l), small = std::min(d, l);
+        if (big > too_big) {
+            diag[i] /= big;
+            last[i] /= big;
+            r[i] /= big;
+        }
+        if (small < too_small) {
+            diag[i] *= boost;
+            last[i] *= boost;
+            r[i] *= boost;
+        }
+    }
+    auto divide = [](const m03DPoint& v, double d) { return d == 0.0 ? m03DPoint() : v / d; };
+    std::vector<m03DPoint> t(m);
+    double c = above[m - 1];
+    double dm = diag[0] * diag[m - 1] - c * last[0];
+    m03DPoint rm = r[m - 1] * diag[0] - r[0] * c;
+    t[m - 1] = divide(rm, dm);
+    for (int i = 0; i <= m - 2; ++i)
+        t[i] = divide(r[i] * dm - rm * last[i], diag[i] * dm);
+    return t;
+}
+
 }  // namespace
 
 TEST(m03SplineCurve, ChordLengthParams_NormalisedAccumulatedChords)
 {
-    m03SplineCurve s(make_points({{0, 0, 0}, {3, 4, 0}, {3, 4, 5}, {3, 4, 15}}));
+    m03SplineCurve s(points_of({{0, 0, 0}, {3, 4, 0}, {3, 4, 5}, {3, 4, 15}}));
     m01DVector* u = s.params_vector();
     ASSERT_NE(u, nullptr);
     ASSERT_EQ(u->size(), 4);
@@ -169,7 +235,7 @@ TEST(m03SplineCurve, ChordLengthParams_NormalisedAccumulatedChords)
 TEST(m03SplineCurve, TwoPoints_CubicWithThirdChordTangentsAndChordMidpointAtHalf)
 {
     m03DPoint p0(1, 2, 3), p1(4, -2, 9);
-    m03SplineCurve s(make_points({p0, p1}));
+    m03SplineCurve s(points_of({p0, p1}));
     ASSERT_NE(s.tangents_vector(), nullptr);
     expect_same(s.tangents_vector()->point(0), (p1 - p0) / 3.0);
     expect_same(s.tangents_vector()->point(1), (p1 - p0) / 3.0);
@@ -188,7 +254,7 @@ TEST(m03SplineCurve, OpenEndTangents_OneThirdOfEndChordsNotScaledByParameterStep
     // Uneven chords: a tangent scaled by the parameter step would be chord / h, far
     // larger than chord / 3.
     Pts p = {{0, 0, 0}, {1, 0, 0}, {1, 5, 0}, {1, 5, 2}};
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     ASSERT_NE(s.tangents_vector(), nullptr);
     expect_same(s.tangents_vector()->point(0), (p[1] - p[0]) / 3.0);
     expect_same(s.tangents_vector()->point(3), (p[3] - p[2]) / 3.0);
@@ -200,7 +266,7 @@ TEST(m03SplineCurve, CollinearEvenPoints_TangentsParallelAndCurveStaysOnLine)
     Pts p;
     for (int i = 0; i < 6; ++i)
         p.push_back(m03DPoint(1, 1, 1) + dir * i);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     ASSERT_NE(s.tangents_vector(), nullptr);
     for (int i = 0; i < 6; ++i)
         EXPECT_LT((s.tangents_vector()->point(i) * dir).module(), 1e-12) << i;
@@ -214,7 +280,7 @@ TEST(m03SplineCurve, OpenTangents_SatisfyInteriorEquationsLikeDenseSolve)
 {
     Pts p = wavy_points(9);
     std::vector<double> u = chord_params(p);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     std::vector<m03DPoint> ref = dense_open(p, u, (p[1] - p[0]) / 3.0, (p[8] - p[7]) / 3.0);
     for (int i = 0; i < 9; ++i)
         EXPECT_LT(dist(s.tangents_vector()->point(i), ref[i]), 1e-12) << i;
@@ -225,7 +291,7 @@ TEST(m03SplineCurve, LongOpenSpline_RescaledDivisionFreeSweepMatchesDenseSolve)
     // Without rescaling, products of 500 pivots of about 1e-2 underflow to zero.
     Pts p = wavy_points(500);
     std::vector<double> u = chord_params(p);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     std::vector<m03DPoint> ref = dense_open(p, u, (p[1] - p[0]) / 3.0, (p[499] - p[498]) / 3.0);
     double worst = 0.0;
     for (int i = 0; i < 500; ++i)
@@ -242,7 +308,7 @@ TEST(m03SplineCurve, LongOpenSplineOnWideParams_RescaledSweepMatchesDenseSolve)
     for (int i = 0; i < 300; ++i)
         u.push_back(1000.0 * i + 300.0 * std::sin(0.9 * i));
     m03DPoint ts(1, 0.5, 0), te(-0.2, 1, 3);
-    m03SplineCurve s(make_points(p), make_values(u), ts, te);
+    m03SplineCurve s(points_of(p), values_of(u), ts, te);
     ASSERT_NE(s.tangents_vector(), nullptr);
     std::vector<m03DPoint> ref = dense_open(p, u, ts, te);
     double worst = 0.0;
@@ -255,7 +321,7 @@ TEST(m03SplineCurve, OpenZeroDiagonal_GivesZeroTangent)
 {
     // Parameters 0, 1, 0: the middle row's diagonal 2 (hL + hR) is exactly 0.
     m03DPoint ts(1, 2, 3), te(-1, 0, 4);
-    m03SplineCurve s(make_points({{0, 0, 0}, {1, 0, 0}, {2, 1, 0}}), make_values({0.0, 1.0, 0.0}), ts, te);
+    m03SplineCurve s(points_of({{0, 0, 0}, {1, 0, 0}, {2, 1, 0}}), values_of({0.0, 1.0, 0.0}), ts, te);
     ASSERT_NE(s.tangents_vector(), nullptr);
     expect_same(s.tangents_vector()->point(0), ts);
     expect_same(s.tangents_vector()->point(1), m03DPoint(0, 0, 0));
@@ -267,7 +333,7 @@ TEST(m03SplineCurve, GivenParamsAndEndTangents_UsedAsGiven)
     Pts p = wavy_points(5);
     std::vector<double> u = {0.0, 0.5, 1.25, 2.0, 4.0};
     m03DPoint ts(0.5, 0.1, -1), te(2, 2, 2);
-    m03SplineCurve s(make_points(p), make_values(u), ts, te);
+    m03SplineCurve s(points_of(p), values_of(u), ts, te);
     std::vector<m03DPoint> ref = dense_open(p, u, ts, te);
     for (int i = 0; i < 5; ++i)
         EXPECT_LT(dist(s.tangents_vector()->point(i), ref[i]), 1e-12) << i;
@@ -278,7 +344,7 @@ TEST(m03SplineCurve, GivenParamsAndEndTangents_UsedAsGiven)
 TEST(m03SplineCurve, ClosedSquare_TangentsEqualLengthParallelToNeighbourDiagonal)
 {
     Pts p = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 0}};
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     m03DVector* t = s.tangents_vector();
     ASSERT_NE(t, nullptr);
     ASSERT_EQ(t->size(), 5);
@@ -302,7 +368,7 @@ TEST(m03SplineCurve, ClosedLongerLastSegment_LastRowCouplesToT0WithHN)
     Pts p = {{0, 0, 0}, {2, 0, 0.5}, {3, 1, 0}, {3, 2, 0.3}, {2.2, 2.6, 0}, {0, 0, 0}};
     std::vector<double> u = chord_params(p);
     ASSERT_GT(u[5] - u[4], u[4] - u[3]);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     ASSERT_NE(s.tangents_vector(), nullptr);
     std::vector<m03DPoint> designed = dense_closed(p, u, true);
     std::vector<m03DPoint> textbook = dense_closed(p, u, false);
@@ -319,7 +385,7 @@ TEST(m03SplineCurve, ClosedFourPoints_SmallestLoopSolvedLikeDenseSolve)
 {
     Pts p = {{0, 0, 0}, {2, 0, 1}, {0.5, 1.5, 0}, {0, 0, 0}};
     std::vector<double> u = chord_params(p);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     ASSERT_NE(s.tangents_vector(), nullptr);
     std::vector<m03DPoint> ref = dense_closed(p, u, true);
     for (int i = 0; i < 3; ++i)
@@ -336,7 +402,7 @@ TEST(m03SplineCurve, LongClosedSpline_RescaledSweepsMatchDenseSolve)
     }
     p.push_back(p[0]);
     std::vector<double> u = chord_params(p);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     ASSERT_NE(s.tangents_vector(), nullptr);
     std::vector<m03DPoint> ref = dense_closed(p, u, true);
     double worst = 0.0;
@@ -345,9 +411,36 @@ TEST(m03SplineCurve, LongClosedSpline_RescaledSweepsMatchDenseSolve)
     EXPECT_LT(worst, 1e-10);
 }
 
+TEST(m03SplineCurve, LongClosedSpline_ForwardSweepRescalesByTheLargestEntryOfARow)
+{
+    // On a long loop the last column fades below 1e-10 while the diagonal
+    // stays large: a row is boosted only when its largest entry is tiny, not
+    // its smallest, and the tangents hold the rounding of that rule, bit for
+    // bit.
+    Pts p;
+    for (int i = 0; i < 120; ++i) {
+        double a = 2.0 * M_PI * i / 120.0;
+        p.emplace_back((2.0 + 0.3 * std::sin(5 * a)) * std::cos(a), (1.0 + 0.2 * std::cos(3 * a)) * std::sin(a),
+                       0.1 * std::sin(7 * a));
+    }
+    p.push_back(p[0]);
+    m03SplineCurve s(points_of(p));
+    ASSERT_NE(s.tangents_vector(), nullptr);
+    m01DVector* params = s.params_vector();
+    std::vector<double> u(params->get_data_pointer(), params->get_data_pointer() + params->size());
+    std::vector<m03DPoint> by_largest = swept_closed(p, u, true);
+    std::vector<m03DPoint> by_smallest = swept_closed(p, u, false);
+    int differ = 0;
+    for (int i = 0; i < 120; ++i)
+        differ += !same_bits(by_largest[i], by_smallest[i]);
+    ASSERT_GT(differ, 0) << "the loop does not tell the two rules apart";
+    for (int i = 0; i < 120; ++i)
+        EXPECT_TRUE(same_bits(s.tangents_vector()->point(i), by_largest[i])) << i;
+}
+
 TEST(m03SplineCurve, ClosedWithThreePoints_NoTangentsNoBsplineAndEvaluatesAsPolyline)
 {
-    m03SplineCurve s(make_points({{0, 0, 0}, {2, 0, 0}, {0, 0, 0}}));
+    m03SplineCurve s(points_of({{0, 0, 0}, {2, 0, 0}, {0, 0, 0}}));
     EXPECT_EQ(s.tangents_vector(), nullptr);
     EXPECT_EQ(s.bsp_curve(), nullptr);
     EXPECT_EQ(s.approximate(0.01), nullptr);
@@ -360,7 +453,7 @@ TEST(m03SplineCurve, ClosedCoincidentPoints_ZeroDiagonalGivesZeroTangents)
     // Three coincident points inside the loop make two parameter steps of 0: the
     // rows between them have a zero diagonal, and their tangents are zero instead
     // of the 0/0 of their right sides.
-    m03SplineCurve s(make_points({{0, 0, 0}, {1, 0, 0}, {1, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}}));
+    m03SplineCurve s(points_of({{0, 0, 0}, {1, 0, 0}, {1, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}}));
     ASSERT_NE(s.tangents_vector(), nullptr);
     bool any_zero = false;
     for (int i = 0; i < 6; ++i) {
@@ -374,7 +467,7 @@ TEST(m03SplineCurve, ClosedCoincidentPoints_ZeroDiagonalGivesZeroTangents)
 TEST(m03SplineCurve, WithoutTangents_EvaluatesAsPolylineThroughPoints)
 {
     // A closed loop of three points has no tangents; it runs to (4, 2, 0) and back.
-    m03SplineCurve loop(make_points({{0, 0, 0}, {4, 2, 0}, {0, 0, 0}}));
+    m03SplineCurve loop(points_of({{0, 0, 0}, {4, 2, 0}, {0, 0, 0}}));
     ASSERT_EQ(loop.tangents_vector(), nullptr);
     for (int k = 0; k <= 8; ++k) {
         double t = k / 8.0;
@@ -386,7 +479,7 @@ TEST(m03SplineCurve, WithoutTangents_EvaluatesAsPolylineThroughPoints)
 TEST(m03SplineCurve, HermiteSegment_MatchesCubicHermiteBasis)
 {
     Pts p = wavy_points(5);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     m01DVector* u = s.params_vector();
     m03DVector* t = s.tangents_vector();
     for (int seg = 0; seg < 4; ++seg) {
@@ -404,7 +497,7 @@ TEST(m03SplineCurve, HermiteSegment_MatchesCubicHermiteBasis)
 
 TEST(m03SplineCurve, SegmentOutOfRange_GivesOrigin)
 {
-    m03SplineCurve s(make_points(wavy_points(4)));
+    m03SplineCurve s(points_of(wavy_points(4)));
     expect_same(s.point(-1, 0.1), m03DPoint());
     expect_same(s.point(3, 0.1), m03DPoint());
     expect_same(s.point(std::numeric_limits<int>::max(), 0.1), m03DPoint());
@@ -413,7 +506,7 @@ TEST(m03SplineCurve, SegmentOutOfRange_GivesOrigin)
 TEST(m03SplineCurve, PointAtOne_IsLastPoint)
 {
     Pts p = wavy_points(7);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     EXPECT_LT(dist(s.point(1.0), p[6]), 1e-13);
     expect_same(s.point(0.0), p[0]);
 }
@@ -423,7 +516,7 @@ TEST(m03SplineCurve, Point0AtPointParameter_EvaluatedOnSegmentThatEndsThere)
     // Find data where the end of segment s and the start of segment s + 1 differ in
     // the last bits, so that the tie is visible.
     Pts p = wavy_points(7);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     m01DVector* u = s.params_vector();
     int checked = 0;
     for (int i = 1; i <= 5; ++i) {
@@ -441,7 +534,7 @@ TEST(m03SplineCurve, Point0AtPointParameter_EvaluatedOnSegmentThatEndsThere)
 TEST(m03SplineCurve, PointOfFraction_MapsOntoParameterRange)
 {
     Pts p = wavy_points(5);
-    m03SplineCurve s(make_points(p), make_values({2.0, 2.5, 3.0, 4.0, 6.0}), m03DPoint(1, 0, 0), m03DPoint(0, 1, 0));
+    m03SplineCurve s(points_of(p), values_of({2.0, 2.5, 3.0, 4.0, 6.0}), m03DPoint(1, 0, 0), m03DPoint(0, 1, 0));
     for (int k = 0; k <= 10; ++k) {
         double t = k / 10.0;
         expect_same(s.point(t), s.point0(2.0 + (6.0 - 2.0) * t));
@@ -451,7 +544,7 @@ TEST(m03SplineCurve, PointOfFraction_MapsOntoParameterRange)
 TEST(m03SplineCurve, OutsideRange_ExtrapolatesEndSegmentCubics)
 {
     Pts p = wavy_points(5);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     m01DVector* u = s.params_vector();
     expect_same(s.point0(-0.2), s.point(0, -0.2));
     expect_same(s.point0(1.3), s.point(3, 1.3 - u->point(3)));
@@ -461,8 +554,8 @@ TEST(m03SplineCurve, OutsideRange_ExtrapolatesEndSegmentCubics)
 TEST(m03SplineCurve, Reverse_PointAtTEqualsPointAtOneMinusTBefore)
 {
     Pts p = wavy_points(8);
-    m03SplineCurve before(make_points(p));
-    m03SplineCurve after(make_points(p));
+    m03SplineCurve before(points_of(p));
+    m03SplineCurve after(points_of(p));
     after.reverse();
     EXPECT_EQ(after.params_vector()->point(0), 0.0);
     EXPECT_EQ(after.params_vector()->point(7), 1.0);
@@ -501,7 +594,7 @@ TEST(m03SplineCurve, NoPoints_EvaluatesToOriginAndHasNoBspline)
 
 TEST(m03SplineCurve, OnePoint_EvaluatesToThatPointAndHasNoBspline)
 {
-    m03SplineCurve s(make_points({{1, 2, 3}}));
+    m03SplineCurve s(points_of({{1, 2, 3}}));
     EXPECT_EQ(s.tangents_vector(), nullptr);
     expect_same(s.point(0.5), m03DPoint(1, 2, 3));
     expect_same(s.point0(7.0), m03DPoint(1, 2, 3));
@@ -513,11 +606,11 @@ TEST(m03SplineCurve, OnePoint_EvaluatesToThatPointAndHasNoBspline)
 
 TEST(m03SplineCurve, ParamsOfOtherSize_NoTangentsAndEvaluatesToOrigin)
 {
-    m03SplineCurve s(make_points(wavy_points(4)), make_values({0.0, 1.0}), m03DPoint(), m03DPoint());
+    m03SplineCurve s(points_of(wavy_points(4)), values_of({0.0, 1.0}), m03DPoint(), m03DPoint());
     EXPECT_EQ(s.tangents_vector(), nullptr);
     expect_same(s.point(0.5), m03DPoint());
     EXPECT_EQ(s.bsp_curve(), nullptr);
-    m03SplineCurve n(make_points(wavy_points(4)), nullptr, m03DPoint(), m03DPoint());
+    m03SplineCurve n(points_of(wavy_points(4)), nullptr, m03DPoint(), m03DPoint());
     expect_same(n.point(0.5), m03DPoint());
     EXPECT_EQ(n.rnxNurbCurve(), nullptr);
 }
@@ -526,7 +619,7 @@ TEST(m03SplineCurve, AllPointsCoincident_NoCrashAndHostCurveNotValid)
 {
     // Zero total chord: the parameters are 0/0, which is left unguarded; what
     // comes out must still be safe to evaluate and must not pass as a curve.
-    m03SplineCurve s(make_points({{1, 1, 1}, {1, 1, 1}, {1, 1, 1}, {1, 1, 1}}));
+    m03SplineCurve s(points_of({{1, 1, 1}, {1, 1, 1}, {1, 1, 1}, {1, 1, 1}}));
     (void)s.point(0.3);
     (void)s.point0(0.7);
     std::unique_ptr<rnxNurbCurve3> c(s.rnxNurbCurve());
@@ -541,7 +634,7 @@ TEST(m03SplineCurve, NaNCoordinates_NoCrashAndHostCurveNotValid)
     for (int where = 0; where < 5; ++where) {
         Pts p = wavy_points(5);
         p[where].set_y(nan);
-        m03SplineCurve s(make_points(p));
+        m03SplineCurve s(points_of(p));
         (void)s.point(0.5);
         (void)s.point0(nan);
         std::unique_ptr<rnxNurbCurve3> c(s.rnxNurbCurve());
@@ -553,7 +646,7 @@ TEST(m03SplineCurve, NaNCoordinates_NoCrashAndHostCurveNotValid)
 
 TEST(m03SplineCurve, NaNParameter_EvaluatesWithoutLeavingSegments)
 {
-    m03SplineCurve s(make_points(wavy_points(6)));
+    m03SplineCurve s(points_of(wavy_points(6)));
     m03DPoint q = s.point0(std::numeric_limits<double>::quiet_NaN());
     EXPECT_TRUE(std::isnan(q.x()));
     (void)s.point(std::numeric_limits<double>::infinity());
@@ -563,7 +656,7 @@ TEST(m03SplineCurve, NaNParameter_EvaluatesWithoutLeavingSegments)
 TEST(m03SplineCurve, BspCurveOnThreePoints_SevenControlPointsKnotsAndTracesSpline)
 {
     Pts p = {{0, 0, 0}, {1, 2, 0.5}, {4, 2.5, -1}};
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     std::unique_ptr<m0BspCurve> c(s.bsp_curve());
     ASSERT_NE(c, nullptr);
     double u1 = s.params_vector()->point(1);
@@ -588,7 +681,7 @@ TEST(m03SplineCurve, BspCurveOnThreePoints_SevenControlPointsKnotsAndTracesSplin
 TEST(m03SplineCurve, BspCurve_TracesLongerSplineExactly)
 {
     Pts p = wavy_points(12);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     std::unique_ptr<m0BspCurve> c(s.bsp_curve());
     ASSERT_NE(c, nullptr);
     EXPECT_EQ(c->no_of_cpnt(), 34);
@@ -602,7 +695,7 @@ TEST(m03SplineCurve, BspCurve_TracesLongerSplineExactly)
 TEST(m03SplineCurve, BspKnots_MappedOntoParameterRangeLowToHigh)
 {
     Pts p = wavy_points(3);
-    m03SplineCurve s(make_points(p), make_values({2.0, 3.0, 5.0}), m03DPoint(1, 0, 0), m03DPoint(0, 0, 1));
+    m03SplineCurve s(points_of(p), values_of({2.0, 3.0, 5.0}), m03DPoint(1, 0, 0), m03DPoint(0, 0, 1));
     std::unique_ptr<m0BspCurve> c(s.bsp_curve());
     ASSERT_NE(c, nullptr);
     std::vector<double> expect = {2, 2, 2, 2, 3, 3, 3, 5, 5, 5, 5};
@@ -613,7 +706,7 @@ TEST(m03SplineCurve, BspKnots_MappedOntoParameterRangeLowToHigh)
         EXPECT_LT(dist(c->point(u), s.point0(u)), 1e-11) << u;
     }
     // Decreasing parameters still give knots from the lower to the higher end.
-    m03SplineCurve d(make_points(p), make_values({1.0, 0.5, 0.0}), m03DPoint(1, 0, 0), m03DPoint(0, 0, 1));
+    m03SplineCurve d(points_of(p), values_of({1.0, 0.5, 0.0}), m03DPoint(1, 0, 0), m03DPoint(0, 0, 1));
     std::unique_ptr<m0BspCurve> e(d.bsp_curve());
     ASSERT_NE(e, nullptr);
     std::vector<double> mapped = {0, 0, 0, 0, 0.5, 0.5, 0.5, 1, 1, 1, 1};
@@ -624,7 +717,7 @@ TEST(m03SplineCurve, BspKnots_MappedOntoParameterRangeLowToHigh)
 TEST(m03SplineCurve, BspCurve_ClosedSplineClosesWithOpenFlags)
 {
     Pts p = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0, 0, 0}};
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     std::unique_ptr<m0BspCurve> c(s.bsp_curve());
     ASSERT_NE(c, nullptr);
     EXPECT_EQ(c->closed(), 0);
@@ -663,7 +756,7 @@ TEST(m03SplineCurve, BspCurve_MaxSegmentsStillConverted)
 TEST(m03SplineCurve, Approximate_PolylineOnSplineFromStartToEnd)
 {
     Pts p = wavy_points(6);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     std::unique_ptr<m03DVector> poly(s.approximate(0.001));
     ASSERT_NE(poly, nullptr);
     ASSERT_GE(poly->size(), 10);
@@ -684,7 +777,7 @@ TEST(m03SplineCurve, Approximate_PolylineOnSplineFromStartToEnd)
 TEST(m03SplineCurve, RnxNurbCurve_CubicFromBsplineFormWithoutWeights)
 {
     Pts p = wavy_points(5);
-    m03SplineCurve s(make_points(p));
+    m03SplineCurve s(points_of(p));
     std::unique_ptr<m0BspCurve> c(s.bsp_curve());
     std::unique_ptr<rnxNurbCurve3> h(s.rnxNurbCurve());
     ASSERT_NE(c, nullptr);

@@ -1,5 +1,6 @@
 // m0BspCurve: construction, evaluation, tangents, normal, projection, reversal.
 #include "curves/m0BspCurve.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
@@ -9,41 +10,6 @@
 
 namespace {
 
-m03DVector* points_of(const std::vector<m03DPoint>& pts)
-{
-    auto* v = new m03DVector(static_cast<int>(pts.size()));
-    for (int i = 0; i < static_cast<int>(pts.size()); i++)
-        v->set_point(i, pts[i]);
-    return v;
-}
-
-m01DVector* values_of(const std::vector<double>& vals)
-{
-    auto* v = new m01DVector(static_cast<int>(vals.size()));
-    for (int i = 0; i < static_cast<int>(vals.size()); i++)
-        v->set_point(i, vals[i]);
-    return v;
-}
-
-// A curve filled through the setters, as the builders of the library do it.
-m0BspCurve* make_curve(int degree, const std::vector<double>& knots, const std::vector<m03DPoint>& cps,
-                       const std::vector<double>& weights = {})
-{
-    auto* c = new m0BspCurve();
-    c->set_degree(degree);
-    c->set_no_of_cpnt(static_cast<int>(cps.size()));
-    c->set_knot_vector(values_of(knots));
-    c->set_cpnt_vector(points_of(cps));
-    if (!weights.empty())
-        c->set_weight_vector(values_of(weights));
-    return c;
-}
-
-bool same_bits(const m03DPoint& a, const m03DPoint& b)
-{
-    return std::memcmp(&a, &b, sizeof(m03DPoint)) == 0;
-}
-
 void expect_near(const m03DPoint& a, const m03DPoint& b, double tol)
 {
     EXPECT_NEAR(a.x(), b.x(), tol);
@@ -51,13 +17,13 @@ void expect_near(const m03DPoint& a, const m03DPoint& b, double tol)
     EXPECT_NEAR(a.z(), b.z(), tol);
 }
 
-const std::vector<m03DPoint> kSeven = {{0, 0, 0}, {1, 2, 0}, {2, 3, 1}, {3, 1, 2},
+const std::vector<m03DPoint> seven_points = {{0, 0, 0}, {1, 2, 0}, {2, 3, 1}, {3, 1, 2},
                                        {4, -1, 1}, {5, 0, 0}, {6, 2, -1}};
-const std::vector<m03DPoint> kFour = {{0, 0, 0}, {1, 2, 0}, {3, 2, 1}, {4, 0, 0}};
+const std::vector<m03DPoint> four_points = {{0, 0, 0}, {1, 2, 0}, {3, 2, 1}, {4, 0, 0}};
 
 }  // namespace
 
-TEST(M0BspCurve, DefaultConstructor_EmptyWithFlagsAndCountsZero)
+TEST(m0BspCurve, DefaultConstructor_EmptyWithFlagsAndCountsZero)
 {
     m0BspCurve c;
     EXPECT_EQ(c.knot_vector(), nullptr);
@@ -72,9 +38,9 @@ TEST(M0BspCurve, DefaultConstructor_EmptyWithFlagsAndCountsZero)
     EXPECT_TRUE(same_bits(c.first_der(0.5), m03DPoint()));
 }
 
-TEST(M0BspCurve, Construct_SevenPointsOrderFour_KnotsInRunsAndPointAtHalfIsFourthControlPoint)
+TEST(m0BspCurve, Construct_SevenPointsOrderFour_KnotsInRunsAndPointAtHalfIsFourthControlPoint)
 {
-    m0BspCurve c(points_of(kSeven), 4);
+    m0BspCurve c(points_of(seven_points), 4);
     ASSERT_NE(c.knot_vector(), nullptr);
     const std::vector<double> expected = {0, 0, 0, 0, 0.5, 0.5, 0.5, 1, 1, 1, 1};
     ASSERT_EQ(c.knot_vector()->size(), 11);
@@ -83,21 +49,21 @@ TEST(M0BspCurve, Construct_SevenPointsOrderFour_KnotsInRunsAndPointAtHalfIsFourt
     EXPECT_EQ(c.degree(), 3);
     EXPECT_EQ(c.weight_vector(), nullptr);
     EXPECT_EQ(c.no_of_cpnt(), 0);
-    EXPECT_TRUE(c.point(0.5) == kSeven[3]);
+    EXPECT_TRUE(c.point(0.5) == seven_points[3]);
 }
 
-TEST(M0BspCurve, Construct_FourPointsOrderFour_PointAtOneIsLastControlPointExactly)
+TEST(m0BspCurve, Construct_FourPointsOrderFour_PointAtOneIsLastControlPointExactly)
 {
-    m0BspCurve c(points_of(kFour), 4);
+    m0BspCurve c(points_of(four_points), 4);
     const std::vector<double> expected = {0, 0, 0, 0, 1, 1, 1, 1};
     ASSERT_EQ(c.knot_vector()->size(), 8);
     for (int i = 0; i < 8; i++)
         EXPECT_EQ(c.knot_vector()->point(i), expected[i]);
-    EXPECT_TRUE(same_bits(c.point(1.0), kFour[3]));
-    EXPECT_TRUE(same_bits(c.point(0.0), kFour[0]));
+    EXPECT_TRUE(same_bits(c.point(1.0), four_points[3]));
+    EXPECT_TRUE(same_bits(c.point(0.0), four_points[0]));
 }
 
-TEST(M0BspCurve, Construct_TenPointsOrderFour_ThreeBezierPiecesAtThirds)
+TEST(m0BspCurve, Construct_TenPointsOrderFour_ThreeBezierPiecesAtThirds)
 {
     std::vector<m03DPoint> pts;
     for (int i = 0; i < 10; i++)
@@ -110,23 +76,23 @@ TEST(M0BspCurve, Construct_TenPointsOrderFour_ThreeBezierPiecesAtThirds)
         EXPECT_EQ(c.knot_vector()->point(i), expected[i]) << i;
 }
 
-TEST(M0BspCurve, Construct_NullPointsOrOrderBelowTwoOrAboveBound_StaysEmpty)
+TEST(m0BspCurve, Construct_NullPointsOrOrderBelowTwoOrAboveBound_StaysEmpty)
 {
     m0BspCurve none(nullptr, 4);
     EXPECT_EQ(none.cpnt_vector(), nullptr);
     EXPECT_EQ(none.knot_vector(), nullptr);
     // The points are taken over and released (the leak checker watches).
-    m0BspCurve order_one(points_of(kFour), 1);
+    m0BspCurve order_one(points_of(four_points), 1);
     EXPECT_EQ(order_one.cpnt_vector(), nullptr);
     EXPECT_EQ(order_one.knot_vector(), nullptr);
-    m0BspCurve too_high(points_of(kFour), m0BspCurve::kMaxOrder + 1);
+    m0BspCurve too_high(points_of(four_points), m0BspCurve::max_order + 1);
     EXPECT_EQ(too_high.cpnt_vector(), nullptr);
     EXPECT_EQ(too_high.knot_vector(), nullptr);
-    m0BspCurve highest(points_of(std::vector<m03DPoint>(m0BspCurve::kMaxOrder)), m0BspCurve::kMaxOrder);
+    m0BspCurve highest(points_of(std::vector<m03DPoint>(m0BspCurve::max_order)), m0BspCurve::max_order);
     EXPECT_NE(highest.knot_vector(), nullptr);
 }
 
-TEST(M0BspCurve, Construct_FewerPointsThanOrder_OnesOverwriteZerosAndEvaluationStaysInside)
+TEST(m0BspCurve, Construct_FewerPointsThanOrder_OnesOverwriteZerosAndEvaluationStaysInside)
 {
     m0BspCurve c(points_of({{0, 0, 0}, {1, 1, 0}}), 4);
     const std::vector<double> expected = {0, 0, 1, 1, 1, 1};
@@ -137,7 +103,7 @@ TEST(M0BspCurve, Construct_FewerPointsThanOrder_OnesOverwriteZerosAndEvaluationS
     EXPECT_TRUE(std::isfinite(p.x()) && std::isfinite(p.y()));
 }
 
-TEST(M0BspCurve, CopyConstructor_DeepCopyKeepsFlagsAndWeights)
+TEST(m0BspCurve, CopyConstructor_DeepCopyKeepsFlagsAndWeights)
 {
     m0BspCurve* src = make_curve(2, {0, 0, 0, 1, 1, 1}, {{0, 0, 0}, {1, 1, 0}, {2, 0, 0}}, {1, 0.5, 1});
     src->set_closed(1);
@@ -161,7 +127,7 @@ TEST(M0BspCurve, CopyConstructor_DeepCopyKeepsFlagsAndWeights)
     EXPECT_EQ(from_null.knot_vector(), nullptr);
 }
 
-TEST(M0BspCurve, Setters_ReplacingAVectorReleasesTheOldOneAndSamePointerIsKept)
+TEST(m0BspCurve, Setters_ReplacingAVectorReleasesTheOldOneAndSamePointerIsKept)
 {
     m0BspCurve c;
     m01DVector* knots = values_of({0, 0, 1, 1});
@@ -178,19 +144,19 @@ TEST(M0BspCurve, Setters_ReplacingAVectorReleasesTheOldOneAndSamePointerIsKept)
     EXPECT_TRUE(c.point(1.0) == m03DPoint(1, 0, 0));
 }
 
-TEST(M0BspCurve, Point_BeforeStart_ContinuesStraightFromFirstPointAtStartSpeed)
+TEST(m0BspCurve, Point_BeforeStart_ContinuesStraightFromFirstPointAtStartSpeed)
 {
     // P0 at the origin keeps the measured speed exact to rounding.
-    m0BspCurve c(points_of(kFour), 4);
+    m0BspCurve c(points_of(four_points), 4);
     const m03DPoint p = c.point(-0.1);
-    const m03DPoint dir = (kFour[0] - kFour[1]).single();
+    const m03DPoint dir = (four_points[0] - four_points[1]).single();
     // A cubic Bezier piece on [0, 1] starts with speed 3·|P1 - P0|.
-    const double speed = 3.0 * (kFour[1] - kFour[0]).module();
-    expect_near(p, kFour[0] + dir * (0.1 * speed), 1e-9);
-    EXPECT_NEAR((p - kFour[0]).vect_mult(dir).module(), 0.0, 1e-15);
+    const double speed = 3.0 * (four_points[1] - four_points[0]).module();
+    expect_near(p, four_points[0] + dir * (0.1 * speed), 1e-9);
+    EXPECT_NEAR((p - four_points[0]).vect_mult(dir).module(), 0.0, 1e-15);
 }
 
-TEST(M0BspCurve, Point_BeyondEnd_ContinuesStraightFromLastPointAtEndSpeed)
+TEST(m0BspCurve, Point_BeyondEnd_ContinuesStraightFromLastPointAtEndSpeed)
 {
     // Knots on [-1, 0] and the last point at the origin keep the probe and the
     // measured speed exact to rounding.
@@ -204,14 +170,14 @@ TEST(M0BspCurve, Point_BeyondEnd_ContinuesStraightFromLastPointAtEndSpeed)
     delete c;
 }
 
-TEST(M0BspCurve, Point_WithinEndSnap_GivesEndControlPoints)
+TEST(m0BspCurve, Point_WithinEndSnap_GivesEndControlPoints)
 {
-    m0BspCurve c(points_of(kFour), 4);
-    EXPECT_TRUE(same_bits(c.point(-5e-15), kFour[0]));
-    EXPECT_TRUE(same_bits(c.point(1.0 + 5e-15), kFour[3]));
+    m0BspCurve c(points_of(four_points), 4);
+    EXPECT_TRUE(same_bits(c.point(-5e-15), four_points[0]));
+    EXPECT_TRUE(same_bits(c.point(1.0 + 5e-15), four_points[3]));
 }
 
-TEST(M0BspCurve, Point_KnotRangeShorterThanProbeStep_ContinuationIsTheEndPoint)
+TEST(m0BspCurve, Point_KnotRangeShorterThanProbeStep_ContinuationIsTheEndPoint)
 {
     // The speed probe would land beyond the other end and continue back again.
     m0BspCurve* c = make_curve(1, {0, 0, 5e-14, 5e-14}, {{0, 0, 0}, {1, 0, 0}});
@@ -225,7 +191,7 @@ TEST(M0BspCurve, Point_KnotRangeShorterThanProbeStep_ContinuationIsTheEndPoint)
     delete back;
 }
 
-TEST(M0BspCurve, Point_SingleControlPoint_ContinuationStaysAtIt)
+TEST(m0BspCurve, Point_SingleControlPoint_ContinuationStaysAtIt)
 {
     m0BspCurve* c = make_curve(0, {0, 1}, {{2, 3, 4}});
     EXPECT_TRUE(c->point(-1.0) == m03DPoint(2, 3, 4));
@@ -234,18 +200,18 @@ TEST(M0BspCurve, Point_SingleControlPoint_ContinuationStaysAtIt)
     delete c;
 }
 
-TEST(M0BspCurve, Point_ClosedCurve_WrapsParameterIntoKnotRange)
+TEST(m0BspCurve, Point_ClosedCurve_WrapsParameterIntoKnotRange)
 {
-    m0BspCurve c(points_of(kSeven), 4);
+    m0BspCurve c(points_of(seven_points), 4);
     c.set_closed(1);
     EXPECT_TRUE(same_bits(c.point(1.25), c.point(0.25)));
     EXPECT_TRUE(same_bits(c.first_der(-0.75), c.first_der(0.25)));
     EXPECT_TRUE(same_bits(c.second_der(2.25), c.second_der(0.25)));
 }
 
-TEST(M0BspCurve, Point_ClosedCurveFarOutside_WrapsInOneStepAfterBoundedTurns)
+TEST(m0BspCurve, Point_ClosedCurveFarOutside_WrapsInOneStepAfterBoundedTurns)
 {
-    m0BspCurve c(points_of(kSeven), 4);
+    m0BspCurve c(points_of(seven_points), 4);
     c.set_closed(1);
     // A million periods away: stepping period by period would be slow, and at
     // 1e300 it would never end.
@@ -261,30 +227,30 @@ TEST(M0BspCurve, Point_ClosedCurveFarOutside_WrapsInOneStepAfterBoundedTurns)
     delete flat;
 }
 
-TEST(M0BspCurve, FirstDer_BeyondEndOfOpenCurve_ClampedToLastKnot)
+TEST(m0BspCurve, FirstDer_BeyondEndOfOpenCurve_ClampedToLastKnot)
 {
-    m0BspCurve c(points_of(kSeven), 4);
+    m0BspCurve c(points_of(seven_points), 4);
     EXPECT_TRUE(same_bits(c.first_der(1.7), c.first_der(1.0)));
     EXPECT_TRUE(same_bits(c.first_der(-0.3), c.first_der(0.0)));
     EXPECT_TRUE(same_bits(c.third_der(1.7), c.third_der(1.0)));
 }
 
-TEST(M0BspCurve, Derivatives_CubicBezier_MatchBernsteinForm)
+TEST(m0BspCurve, Derivatives_CubicBezier_MatchBernsteinForm)
 {
-    m0BspCurve c(points_of(kFour), 4);
+    m0BspCurve c(points_of(four_points), 4);
     const double t = 0.3;
     const double s = 1 - t;
-    const m03DPoint d1 = (kFour[1] - kFour[0]) * (3 * s * s) + (kFour[2] - kFour[1]) * (6 * s * t) +
-                         (kFour[3] - kFour[2]) * (3 * t * t);
-    const m03DPoint d2 = (kFour[2] - kFour[1] * 2.0 + kFour[0]) * (6 * s) +
-                         (kFour[3] - kFour[2] * 2.0 + kFour[1]) * (6 * t);
-    const m03DPoint d3 = (kFour[3] - kFour[2] * 3.0 + kFour[1] * 3.0 - kFour[0]) * 6.0;
+    const m03DPoint d1 = (four_points[1] - four_points[0]) * (3 * s * s) + (four_points[2] - four_points[1]) * (6 * s * t) +
+                         (four_points[3] - four_points[2]) * (3 * t * t);
+    const m03DPoint d2 = (four_points[2] - four_points[1] * 2.0 + four_points[0]) * (6 * s) +
+                         (four_points[3] - four_points[2] * 2.0 + four_points[1]) * (6 * t);
+    const m03DPoint d3 = (four_points[3] - four_points[2] * 3.0 + four_points[1] * 3.0 - four_points[0]) * 6.0;
     expect_near(c.first_der(t), d1, 1e-12);
     expect_near(c.second_der(t), d2, 1e-12);
     expect_near(c.third_der(t), d3, 1e-12);
 }
 
-TEST(M0BspCurve, Derivatives_WithoutWeights_FormWFromUnitWeights)
+TEST(m0BspCurve, Derivatives_WithoutWeights_FormWFromUnitWeights)
 {
     // W, W', W'', W''' are the sums with every weight 1, not a fixed 1 and 0s:
     // the curve without weights gives the bits of the same curve with unit weights.
@@ -300,7 +266,7 @@ TEST(M0BspCurve, Derivatives_WithoutWeights_FormWFromUnitWeights)
     delete plain;
 }
 
-TEST(M0BspCurve, Point_WithoutWeights_IsSumOfBasisTimesControlPoints)
+TEST(m0BspCurve, Point_WithoutWeights_IsSumOfBasisTimesControlPoints)
 {
     // W is fixed at 1 in point(): no division by the sum of the basis functions.
     const std::vector<double> knots = {0, 0, 0, 0, 0.3, 0.7, 1, 1, 1, 1};
@@ -319,7 +285,7 @@ TEST(M0BspCurve, Point_WithoutWeights_IsSumOfBasisTimesControlPoints)
     delete c;
 }
 
-TEST(M0BspCurve, Derivatives_RationalQuarterCircle_TangentAndCurvatureOfUnitCircle)
+TEST(m0BspCurve, Derivatives_RationalQuarterCircle_TangentAndCurvatureOfUnitCircle)
 {
     const double w = std::sqrt(0.5);
     m0BspCurve* c = make_curve(2, {0, 0, 0, 1, 1, 1}, {{1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {1, w, 1});
@@ -339,9 +305,9 @@ TEST(M0BspCurve, Derivatives_RationalQuarterCircle_TangentAndCurvatureOfUnitCirc
     delete c;
 }
 
-TEST(M0BspCurve, Tang_IsUnitFirstDerivativeAndTang0UnitForwardDifference)
+TEST(m0BspCurve, Tang_IsUnitFirstDerivativeAndTang0UnitForwardDifference)
 {
-    m0BspCurve c(points_of(kSeven), 4);
+    m0BspCurve c(points_of(seven_points), 4);
     const m03DPoint d = c.first_der(0.3);
     EXPECT_TRUE(same_bits(c.tang(0.3), d.single()));
     EXPECT_NEAR(c.tang(0.3).module(), 1.0, 1e-15);
@@ -352,7 +318,7 @@ TEST(M0BspCurve, Tang_IsUnitFirstDerivativeAndTang0UnitForwardDifference)
     delete still;
 }
 
-TEST(M0BspCurve, Normal_StraightCurve_UnitVectorPerpendicularToIt)
+TEST(m0BspCurve, Normal_StraightCurve_UnitVectorPerpendicularToIt)
 {
     m0BspCurve* c = make_curve(1, {0, 0, 1, 1}, {{0, 0, 0}, {0, 4, 0}});
     const m03DPoint n = c->normal(0.5);
@@ -361,7 +327,7 @@ TEST(M0BspCurve, Normal_StraightCurve_UnitVectorPerpendicularToIt)
     delete c;
 }
 
-TEST(M0BspCurve, Normal_StraightCurveAlongX_IsUnitOfAcrossY)
+TEST(m0BspCurve, Normal_StraightCurveAlongX_IsUnitOfAcrossY)
 {
     m0BspCurve* c = make_curve(1, {0, 0, 1, 1}, {{0, 0, 0}, {3, 0, 0}});
     const m03DPoint a = (c->point(0.49) - c->point(0.5)).single();
@@ -370,16 +336,16 @@ TEST(M0BspCurve, Normal_StraightCurveAlongX_IsUnitOfAcrossY)
     delete c;
 }
 
-TEST(M0BspCurve, Normal_PlanarCurve_PerpendicularToItsPlane)
+TEST(m0BspCurve, Normal_PlanarCurve_PerpendicularToItsPlane)
 {
     m0BspCurve c(points_of({{0, 0, 0}, {1, 2, 0}, {3, 2, 0}, {4, 0, 0}}), 4);
     const m03DPoint n = c.normal(0.4);
     EXPECT_NEAR(std::fabs(n.z()), 1.0, 1e-12);
 }
 
-TEST(M0BspCurve, GetKnotInterval_ClampedKnots_SpanStartingAtOrBeforeT)
+TEST(m0BspCurve, GetKnotInterval_ClampedKnots_SpanStartingAtOrBeforeT)
 {
-    m0BspCurve c(points_of(kSeven), 4);
+    m0BspCurve c(points_of(seven_points), 4);
     EXPECT_EQ(c.get_knot_interval(0.0), 3);
     EXPECT_EQ(c.get_knot_interval(0.25), 3);
     EXPECT_EQ(c.get_knot_interval(0.5), 6);  // a t on a knot belongs to the span starting there
@@ -387,7 +353,7 @@ TEST(M0BspCurve, GetKnotInterval_ClampedKnots_SpanStartingAtOrBeforeT)
     EXPECT_EQ(c.get_knot_interval(1.0), 6);  // the last knot: the last non-empty span
 }
 
-TEST(M0BspCurve, GetKnotInterval_FirstProbeHalfTheWidth_SearchCanEndBelowDegree)
+TEST(m0BspCurve, GetKnotInterval_FirstProbeHalfTheWidth_SearchCanEndBelowDegree)
 {
     // Uniform knots 0 .. 10, degree 3: lo = 3, hi = 7, first probe knot 2 (not
     // 5), which lets the search settle in span 2.
@@ -410,7 +376,7 @@ TEST(M0BspCurve, GetKnotInterval_FirstProbeHalfTheWidth_SearchCanEndBelowDegree)
     delete c;
 }
 
-TEST(M0BspCurve, Evaluation_ArraysShorterThanTheCurveNeeds_MissingIndicesContributeNothing)
+TEST(m0BspCurve, Evaluation_ArraysShorterThanTheCurveNeeds_MissingIndicesContributeNothing)
 {
     // Six knots for a cubic with four control points (eight wanted), and two
     // weights for four points: everything reads inside the arrays.
@@ -429,32 +395,32 @@ TEST(M0BspCurve, Evaluation_ArraysShorterThanTheCurveNeeds_MissingIndicesContrib
     delete few;
 }
 
-TEST(M0BspCurve, Evaluation_DegreeOutsideBound_GivesOrigin)
+TEST(m0BspCurve, Evaluation_DegreeOutsideBound_GivesOrigin)
 {
-    std::vector<double> knots(2 * m0BspCurve::kMaxOrder + 2, 0.0);
+    std::vector<double> knots(2 * m0BspCurve::max_order + 2, 0.0);
     for (size_t i = knots.size() / 2; i < knots.size(); i++)
         knots[i] = 1.0;
-    std::vector<m03DPoint> cps(m0BspCurve::kMaxOrder + 1, m03DPoint(1, 1, 1));
-    m0BspCurve* c = make_curve(m0BspCurve::kMaxOrder, knots, cps);
+    std::vector<m03DPoint> cps(m0BspCurve::max_order + 1, m03DPoint(1, 1, 1));
+    m0BspCurve* c = make_curve(m0BspCurve::max_order, knots, cps);
     EXPECT_TRUE(same_bits(c->point(0.5), m03DPoint()));
     EXPECT_TRUE(same_bits(c->second_der(0.5), m03DPoint()));
     // One order lower is evaluated: a curve of equal points is that point.
-    c->set_degree(m0BspCurve::kMaxOrder - 1);
-    c->knot_vector()->set_size(2 * m0BspCurve::kMaxOrder);
-    c->knot_vector()->point(m0BspCurve::kMaxOrder) = 1.0;
-    c->cpnt_vector()->set_size(m0BspCurve::kMaxOrder);
+    c->set_degree(m0BspCurve::max_order - 1);
+    c->knot_vector()->set_size(2 * m0BspCurve::max_order);
+    c->knot_vector()->point(m0BspCurve::max_order) = 1.0;
+    c->cpnt_vector()->set_size(m0BspCurve::max_order);
     expect_near(c->point(0.5), m03DPoint(1, 1, 1), 1e-12);
     c->set_degree(-1);
     EXPECT_TRUE(same_bits(c->point(0.5), m03DPoint()));
     EXPECT_EQ(c->get_knot_interval(0.5), -1);
     delete c;
     EXPECT_EQ(m0BspCurve::get_base_function(knots.data(), 4, 0, 0.5, 0), 0.0);
-    EXPECT_EQ(m0BspCurve::get_base_function(knots.data(), 4, m0BspCurve::kMaxOrder + 1, 0.5, 0), 0.0);
+    EXPECT_EQ(m0BspCurve::get_base_function(knots.data(), 4, m0BspCurve::max_order + 1, 0.5, 0), 0.0);
 }
 
-TEST(M0BspCurve, Projection_PointOnCurve_ReturnsItsParameter)
+TEST(m0BspCurve, Projection_PointOnCurve_ReturnsItsParameter)
 {
-    m0BspCurve c(points_of(kSeven), 4);
+    m0BspCurve c(points_of(seven_points), 4);
     for (double t = 0.05; t < 1.0; t += 0.1) {
         const double found = c.projection(c.point(t));
         EXPECT_NEAR(found, t, 1e-5) << t;
@@ -462,10 +428,10 @@ TEST(M0BspCurve, Projection_PointOnCurve_ReturnsItsParameter)
     }
 }
 
-TEST(M0BspCurve, Projection_BeyondEndOfOpenCurve_ReturnsLastKnotOrAboveWhenExtended)
+TEST(m0BspCurve, Projection_BeyondEndOfOpenCurve_ReturnsLastKnotOrAboveWhenExtended)
 {
-    m0BspCurve c(points_of(kFour), 4);
-    const m03DPoint beyond = kFour[3] + (kFour[3] - kFour[2]).single() * 2.0;
+    m0BspCurve c(points_of(four_points), 4);
+    const m03DPoint beyond = four_points[3] + (four_points[3] - four_points[2]).single() * 2.0;
     EXPECT_DOUBLE_EQ(c.projection(beyond), 1.0);
     c.set_extended(1);
     const double t = c.projection(beyond);
@@ -474,7 +440,7 @@ TEST(M0BspCurve, Projection_BeyondEndOfOpenCurve_ReturnsLastKnotOrAboveWhenExten
     EXPECT_NEAR((c.point(t) - beyond).module(), 0.0, 1e-5);
 }
 
-TEST(M0BspCurve, Projection_EndsMeet_SearchesTwoHalves)
+TEST(m0BspCurve, Projection_EndsMeet_SearchesTwoHalves)
 {
     // A closed square-ish loop whose ends coincide: the whole-range chord is
     // empty, so the range is split.
@@ -485,7 +451,7 @@ TEST(M0BspCurve, Projection_EndsMeet_SearchesTwoHalves)
     }
 }
 
-TEST(M0BspCurve, Projection_HalvingNoLongerMoves_StopsAndAnswersNearby)
+TEST(m0BspCurve, Projection_HalvingNoLongerMoves_StopsAndAnswersNearby)
 {
     // Knots near 1e12 are 1.2e-4 apart while the curve is 1e6 long: the
     // range stops shrinking long before the chord is short.
@@ -498,7 +464,7 @@ TEST(M0BspCurve, Projection_HalvingNoLongerMoves_StopsAndAnswersNearby)
     delete c;
 }
 
-TEST(M0BspCurve, Reverse_PointOfReversedEqualsPointAtMirroredParameter)
+TEST(m0BspCurve, Reverse_PointOfReversedEqualsPointAtMirroredParameter)
 {
     const std::vector<double> knots = {0, 0, 0, 0, 0.2, 0.55, 0.55, 1.5, 1.5, 1.5, 1.5};
     m0BspCurve* c = make_curve(3, knots, {{0, 0, 0}, {1, 2, 0}, {2, 3, 1}, {3, 1, 2}, {4, -1, 1}, {5, 0, 0},

@@ -14,6 +14,7 @@
 #include "host/qorabsContext.h"
 #include "host/qorabsIfStream.h"
 #include "host/qorabsLibInputEx.h"
+#include "tests/support/optionScope.h"
 #include "tests/translate/RecordingSink.h"
 
 namespace plugin_host {
@@ -68,19 +69,6 @@ inline std::unique_ptr<qorabsLibInputEx> instance()
     library& lib = library::get();
     return std::unique_ptr<qorabsLibInputEx>(lib.get_instance ? lib.get_instance(&app_info()) : nullptr);
 }
-
-// Sets an option for a scope, then back on.
-class option_set {
-public:
-    option_set(const char* key, int value) : key_(utString(key))
-    {
-        qor_resource_table_inquire()->set_bool(key_, value);
-    }
-    ~option_set() { qor_resource_table_inquire()->set_bool(key_, 1); }
-
-private:
-    utBoolcoResourceKey key_;
-};
 
 // One import as a host runs it: read_input, then the walk over every
 // translator handed over.

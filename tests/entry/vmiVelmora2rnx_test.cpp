@@ -15,7 +15,6 @@
 
 using plugin_host::instance;
 using plugin_host::library;
-using plugin_host::option_set;
 using plugin_host::run_import;
 
 namespace {
@@ -38,7 +37,7 @@ std::string written(const vlm::archive& a, const std::string& tag)
 
 } // namespace
 
-TEST(Library, ExportsGetInstanceAndConvertFromUnmangled)
+TEST(vmiVelmora2rnx, Library_ExportsGetInstanceAndConvertFromUnmangled)
 {
     library& lib = library::get();
     ASSERT_NE(lib.handle, nullptr) << lib.error;
@@ -47,7 +46,7 @@ TEST(Library, ExportsGetInstanceAndConvertFromUnmangled)
     lib.convert_from();   // an empty entry point
 }
 
-TEST(Library, RegistersItsThreeOptionsOnWhenLoaded)
+TEST(vmiVelmora2rnx, Library_RegistersItsThreeOptionsOnWhenLoaded)
 {
     ASSERT_NE(library::get().handle, nullptr) << library::get().error;
     qorResourceTable* table = qor_resource_table_inquire();
@@ -59,7 +58,7 @@ TEST(Library, RegistersItsThreeOptionsOnWhenLoaded)
     }
 }
 
-TEST(Library, InstanceTellsItsIdentity)
+TEST(vmiVelmora2rnx, Library_InstanceTellsItsIdentity)
 {
     std::unique_ptr<qorabsLibInputEx> input = instance();
     ASSERT_NE(input, nullptr);
@@ -78,7 +77,7 @@ TEST(Library, InstanceTellsItsIdentity)
     EXPECT_EQ(input->num_objects(), 0);
 }
 
-TEST(Library, AddExtensionsLeavesTheSetItIsGivenUntouched)
+TEST(vmiVelmora2rnx, Library_AddExtensionsLeavesTheSetItIsGivenUntouched)
 {
     std::unique_ptr<qorabsLibInputEx> input = instance();
     ASSERT_NE(input, nullptr);
@@ -94,7 +93,7 @@ TEST(Library, AddExtensionsLeavesTheSetItIsGivenUntouched)
     EXPECT_EQ(some[1], utString("vlm"));
 }
 
-TEST(Library, OperationsKeepTheHostsSlots)
+TEST(vmiVelmora2rnx, Library_OperationsKeepTheHostsSlots)
 {
     // Destructor in slot 11 (two entries).
     EXPECT_EQ(vtable_entry(&vmiVelmora2rnx::set_output), entry_of_slot(1, 11));
@@ -115,7 +114,7 @@ TEST(Library, OperationsKeepTheHostsSlots)
     EXPECT_EQ(vtable_entry(&vmiVelmora2rnx::check_file_size), entry_of_slot(17, 11));
 }
 
-TEST(ReadInput, FileThatIsNotAZipGivesZeroAndNoTranslator)
+TEST(vmiVelmora2rnx, ReadInput_FileThatIsNotAZipGivesZeroAndNoTranslator)
 {
     const std::string path = vlm::temp_path("entry_not_a_zip.vlm");
     ASSERT_TRUE(vlm::write_file(path, "1,Client,Case\n"));
@@ -126,7 +125,7 @@ TEST(ReadInput, FileThatIsNotAZipGivesZeroAndNoTranslator)
     std::remove(path.c_str());
 }
 
-TEST(ReadInput, ZipWithoutACatalogueEntryGivesZeroAndNoTranslator)
+TEST(vmiVelmora2rnx, ReadInput_ZipWithoutACatalogueEntryGivesZeroAndNoTranslator)
 {
     vlm::archive a;
     a.add("VLM00005.dat", scan_entry());
@@ -138,14 +137,14 @@ TEST(ReadInput, ZipWithoutACatalogueEntryGivesZeroAndNoTranslator)
     std::remove(path.c_str());
 }
 
-TEST(ReadInput, MissingFileGivesZero)
+TEST(vmiVelmora2rnx, ReadInput_MissingFileGivesZero)
 {
     plugin_host::import_result r = run_import(vlm::temp_path("entry_never_written.vlm"));
     EXPECT_EQ(r.result, 0);
     EXPECT_EQ(r.translators, 0);
 }
 
-TEST(ReadInput, ValidArchiveHandsOverExactlyOneTranslatorTheRootGroup)
+TEST(vmiVelmora2rnx, ReadInput_ValidArchiveHandsOverExactlyOneTranslatorTheRootGroup)
 {
     vlm::archive a;
     a.add("VLM00005.dat", scan_entry());
@@ -168,7 +167,7 @@ TEST(ReadInput, ValidArchiveHandsOverExactlyOneTranslatorTheRootGroup)
     std::remove(path.c_str());
 }
 
-TEST(ReadInput, WithAllThreeOptionsOffLevelGroupsStillGiveARootAndTheLevel2GroupsStayEmpty)
+TEST(vmiVelmora2rnx, ReadInput_WithAllThreeOptionsOffLevelGroupsStillGiveARootAndTheLevel2GroupsStayEmpty)
 {
     vlm::archive a;
     a.add("VLM00005.dat", scan_entry());

@@ -2,32 +2,19 @@
 
 #include "contour/vmiPolylineGridMap.h"
 #include "curves/m03DVector.h"
+#include "tests/support/testGeometry.h"
+#include "tests/support/testGrid.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <initializer_list>
 #include <memory>
 #include <vector>
 
 namespace {
 
-constexpr double E = -10000.0;
-
-void expect_point(const m03DPoint& p, double x, double y, double z)
-{
-    EXPECT_EQ(p.x(), x);
-    EXPECT_EQ(p.y(), y);
-    EXPECT_EQ(p.z(), z);
-}
-
-std::unique_ptr<m03DVector> polyline(std::initializer_list<m03DPoint> pts)
-{
-    auto v = std::make_unique<m03DVector>(static_cast<int>(pts.size()));
-    int i = 0;
-    for (const m03DPoint& p : pts)
-        v->set_point(i++, p);
-    return v;
-}
+constexpr double E = vmiBaseGrid::empty_z;
 
 // A closed rectangle through lattice points (x0, y0) and (x1, y1), spacing 1.
 std::unique_ptr<m03DVector> rectangle(double x0, double y0, double x1, double y1)
@@ -35,29 +22,12 @@ std::unique_ptr<m03DVector> rectangle(double x0, double y0, double x1, double y1
     return polyline({{x0, y0, 0}, {x1, y0, 0}, {x1, y1, 0}, {x0, y1, 0}, {x0, y0, 0}});
 }
 
-std::unique_ptr<vmiBaseGrid> flat_grid(int x_size, int y_size, double z)
-{
-    auto g = std::make_unique<vmiBaseGrid>(x_size, y_size, 1.0, 1.0);
-    for (int j = 0; j < y_size; j++)
-        for (int i = 0; i < x_size; i++)
-            g->set_z(i, j, z);
-    return g;
-}
-
-std::vector<double> row_z(vmiBaseGrid& g, int j)
-{
-    std::vector<double> z;
-    for (int i = 0; i < g.x_size(); i++)
-        z.push_back(g.point(i, j).z());
-    return z;
-}
-
 }  // namespace
 
 // ---------------------------------------------------------------------------
 // Smoothing
 
-TEST(VmiBaseGridOps, DoSmoothing_RadiusOneLeavesEveryNodeUnchanged)
+TEST(vmiBaseGrid, DoSmoothing_RadiusOneLeavesEveryNodeUnchanged)
 {
     vmiBaseGrid g(4, 3, 1.0, 1.0);
     for (int j = 0; j < 3; j++)
@@ -71,7 +41,7 @@ TEST(VmiBaseGridOps, DoSmoothing_RadiusOneLeavesEveryNodeUnchanged)
             EXPECT_TRUE(g.point(i, j) == before.point(i, j)) << i << "," << j;
 }
 
-TEST(VmiBaseGridOps, DoSmoothing_SingleValidNodeAmongEmptyKeepsHeight)
+TEST(vmiBaseGrid, DoSmoothing_SingleValidNodeAmongEmptyKeepsHeight)
 {
     vmiBaseGrid g(5, 5, 1.0, 1.0);
     g.set_z(2, 2, 7.25);
@@ -80,7 +50,7 @@ TEST(VmiBaseGridOps, DoSmoothing_SingleValidNodeAmongEmptyKeepsHeight)
     EXPECT_EQ(g.point(1, 1).z(), E);  // empty nodes are not smoothed
 }
 
-TEST(VmiBaseGridOps, DoSmoothing_MeansReadUnsmoothedHeights)
+TEST(vmiBaseGrid, DoSmoothing_MeansReadUnsmoothedHeights)
 {
     auto g = flat_grid(3, 1, 0.0);
     g->set_z(1, 0, 3.0);
@@ -90,7 +60,7 @@ TEST(VmiBaseGridOps, DoSmoothing_MeansReadUnsmoothedHeights)
     EXPECT_EQ(row_z(*g, 0), (std::vector<double>{1.5, 3.0, 4.5}));
 }
 
-TEST(VmiBaseGridOps, DoSmoothing_RadiusBeyondReadBoundLeavesGrid)
+TEST(vmiBaseGrid, DoSmoothing_RadiusBeyondReadBoundLeavesGrid)
 {
     // 10^6 nodes x 39 x 39 neighbours is more than max_smoothing_reads.
     vmiBaseGrid g(1000, 1000, 1.0, 1.0);
@@ -111,7 +81,7 @@ TEST(VmiBaseGridOps, DoSmoothing_RadiusBeyondReadBoundLeavesGrid)
     EXPECT_EQ(small.point(10, 10).z(), 3.0);
 }
 
-TEST(VmiBaseGridOps, DoSmoothingMap_InsideNodeWithoutValidInsideNeighbourBecomesZero)
+TEST(vmiBaseGrid, DoSmoothingMap_InsideNodeWithoutValidInsideNeighbourBecomesZero)
 {
     auto g = flat_grid(10, 10, E);
     g->set_z(0, 4, 50.0);  // valid, but outside the outline
@@ -124,7 +94,7 @@ TEST(VmiBaseGridOps, DoSmoothingMap_InsideNodeWithoutValidInsideNeighbourBecomes
     EXPECT_EQ(g->point(0, 4).z(), 50.0);
 }
 
-TEST(VmiBaseGridOps, DoSmoothingMap_IncludesClosingCrossingNode)
+TEST(vmiBaseGrid, DoSmoothingMap_IncludesClosingCrossingNode)
 {
     // Row crossings [2, 6]: nodes 2 ... 6 are smoothed, node 6 included,
     // though the modifiers stop at 5.
@@ -136,7 +106,7 @@ TEST(VmiBaseGridOps, DoSmoothingMap_IncludesClosingCrossingNode)
     EXPECT_EQ(row_z(*g, 7), (std::vector<double>(10, E)));
 }
 
-TEST(VmiBaseGridOps, EverageHeightMap_CountsOnlyNodesInsideOutline)
+TEST(vmiBaseGrid, EverageHeightMap_CountsOnlyNodesInsideOutline)
 {
     auto g = flat_grid(10, 10, 100.0);
     for (int j = 2; j <= 6; j++)
@@ -153,7 +123,7 @@ TEST(VmiBaseGridOps, EverageHeightMap_CountsOnlyNodesInsideOutline)
 // ---------------------------------------------------------------------------
 // Lowering, refinement, adding heights
 
-TEST(VmiBaseGridOps, DoHAbzug_LowersEmptyNodesToo)
+TEST(vmiBaseGrid, DoHAbzug_LowersEmptyNodesToo)
 {
     vmiBaseGrid g(2, 1, 1.0, 1.0);
     g.set_z(1, 0, 5.0);
@@ -161,7 +131,7 @@ TEST(VmiBaseGridOps, DoHAbzug_LowersEmptyNodesToo)
     EXPECT_EQ(row_z(g, 0), (std::vector<double>{-10002.0, 3.0}));
 }
 
-TEST(VmiBaseGridOps, Doubled_CopiesNodesIntoTwoByTwoBlocks)
+TEST(vmiBaseGrid, Doubled_CopiesNodesIntoTwoByTwoBlocks)
 {
     vmiBaseGrid src(2, 2, 2.0, 4.0);
     src.set_z(0, 0, 1.0);
@@ -184,7 +154,7 @@ TEST(VmiBaseGridOps, Doubled_CopiesNodesIntoTwoByTwoBlocks)
     }
 }
 
-TEST(VmiBaseGridOps, Doubled_SingleColumnHoldsZeroPoints)
+TEST(vmiBaseGrid, Doubled_SingleColumnHoldsZeroPoints)
 {
     vmiBaseGrid src(1, 2, 1.0, 1.0);
     src.set_z(0, 0, 5.0);
@@ -196,7 +166,7 @@ TEST(VmiBaseGridOps, Doubled_SingleColumnHoldsZeroPoints)
         expect_point(g->point(0, j), 0.0, 0.0, 0.0);
 }
 
-TEST(VmiBaseGridOps, Doubled_EmptyGridGivesEmptyGrid)
+TEST(vmiBaseGrid, Doubled_EmptyGridGivesEmptyGrid)
 {
     vmiBaseGrid src(-1, 5, 1.0, 1.0);
     std::unique_ptr<vmiBaseGrid> g(src.doubled());
@@ -205,7 +175,7 @@ TEST(VmiBaseGridOps, Doubled_EmptyGridGivesEmptyGrid)
     EXPECT_EQ(g->x_size(), 0);
 }
 
-TEST(VmiBaseGridOps, Drop_AddsPointHeightsToNodes)
+TEST(vmiBaseGrid, Drop_AddsPointHeightsToNodes)
 {
     vmiBaseGrid g(3, 3, 1.0, 1.0);
     g.set_z(1, 1, 3.0);
@@ -226,7 +196,7 @@ TEST(VmiBaseGridOps, Drop_AddsPointHeightsToNodes)
     EXPECT_EQ(g.point(1, 1).z(), 5.0);
 }
 
-TEST(VmiBaseGridOps, DropGrid_AddsOtherNodesValidHeights)
+TEST(vmiBaseGrid, DropGrid_AddsOtherNodesValidHeights)
 {
     vmiBaseGrid g(2, 2, 1.0, 1.0);
     vmiBaseGrid o(2, 2, 1.0, 1.0);
@@ -240,7 +210,7 @@ TEST(VmiBaseGridOps, DropGrid_AddsOtherNodesValidHeights)
 // ---------------------------------------------------------------------------
 // Trimming
 
-TEST(VmiBaseGridOps, CutBoundary_EmptiesOutsideAndFillsEmptyInside)
+TEST(vmiBaseGrid, CutBoundary_EmptiesOutsideAndFillsEmptyInside)
 {
     auto g = flat_grid(20, 8, 1.0);
     g->set_z(13, 3, E);
@@ -258,7 +228,7 @@ TEST(VmiBaseGridOps, CutBoundary_EmptiesOutsideAndFillsEmptyInside)
     EXPECT_EQ(row_z(*g, 3), inside);
 }
 
-TEST(VmiBaseGridOps, CutBoundary_RowWithOneCrossingEmptied)
+TEST(vmiBaseGrid, CutBoundary_RowWithOneCrossingEmptied)
 {
     // A triangle whose apex (4, 4) touches row 4 once.
     auto g = flat_grid(10, 6, 1.0);
@@ -271,7 +241,7 @@ TEST(VmiBaseGridOps, CutBoundary_RowWithOneCrossingEmptied)
     EXPECT_EQ(g->point(4, 2).z(), 1.0);
 }
 
-TEST(VmiBaseGridOps, CutBoundaryOutline_SameAsWithMap)
+TEST(vmiBaseGrid, CutBoundaryOutline_SameAsWithMap)
 {
     auto a = flat_grid(20, 8, 1.0);
     auto b = flat_grid(20, 8, 1.0);
@@ -283,7 +253,7 @@ TEST(VmiBaseGridOps, CutBoundaryOutline_SameAsWithMap)
         EXPECT_EQ(row_z(*a, j), row_z(*b, j));
 }
 
-TEST(VmiBaseGridOps, CutBoundaryOutline_NullOutlineEmptiesGrid)
+TEST(vmiBaseGrid, CutBoundaryOutline_NullOutlineEmptiesGrid)
 {
     // No outline, no inside: every row lies outside the (start) extremes.
     auto g = flat_grid(4, 3, 1.0);
@@ -292,7 +262,7 @@ TEST(VmiBaseGridOps, CutBoundaryOutline_NullOutlineEmptiesGrid)
         EXPECT_EQ(row_z(*g, j), (std::vector<double>(4, E)));
 }
 
-TEST(VmiBaseGridOps, CutBoundary2_FillsGapsWithLocalMeanAndLeavesSourceAlone)
+TEST(vmiBaseGrid, CutBoundary2_FillsGapsWithLocalMeanAndLeavesSourceAlone)
 {
     vmiBaseGrid src(12, 7, 1.0, 1.0);
     for (int j = 2; j <= 4; j++)
@@ -321,96 +291,247 @@ TEST(VmiBaseGridOps, CutBoundary2_FillsGapsWithLocalMeanAndLeavesSourceAlone)
 }
 
 // ---------------------------------------------------------------------------
+// Local mean and the gaps of a trimmed row or column
+
+TEST(vmiBaseGrid, EverageHeight_MeanOfValidNodesInNeighbourhood)
+{
+    vmiBaseGrid g(5, 5, 1.0, 1.0);
+    g.set_z(1, 1, 1.0);
+    g.set_z(2, 2, 2.0);
+    g.set_z(3, 3, 6.0);
+    g.set_z(2, 1, vmiBaseGrid::valid_z);  // not valid
+    EXPECT_EQ(g.everage_height(2, 2, 2), 3.0);
+    EXPECT_EQ(g.everage_height(0, 0, 2), 1.0);   // cut at the border
+    EXPECT_EQ(g.everage_height(4, 0, 2), 0.0);   // no valid node
+    EXPECT_EQ(g.everage_height(2, 2, 1), 2.0);   // the node alone
+    EXPECT_EQ(g.everage_height(2, 9, 2), 0.0);   // empty row range
+}
+
+TEST(vmiBaseGrid, EverageHeight_SumsColumnByColumn)
+{
+    // The sum runs i outer, j inner; in row order the two 1s would meet first
+    // and survive the addition of 1e16.
+    vmiBaseGrid g(2, 2, 1.0, 1.0);
+    g.set_z(0, 0, 1.0);
+    g.set_z(0, 1, 1e16);
+    g.set_z(1, 0, 1.0);
+    g.set_z(1, 1, 0.0);
+    // Column order: 1 + 1e16 = 1e16, + 1 = 1e16, + 0 -> 2.5e15.
+    // Row order: 1 + 1 = 2, + 1e16 = 1e16 + 2 -> 2.5000000000000005e15.
+    EXPECT_EQ(g.everage_height(0, 0, 2), 2.5e15);
+}
+
+TEST(vmiBaseGrid, FillRow2_FrontGapExclusiveBackGapInclusive)
+{
+    // Source row: valid heights at 3 ... 6, the outline crosses at 1 and 8.
+    vmiBaseGrid src(10, 1, 1.0, 1.0);
+    for (int i = 3; i <= 6; i++)
+        src.set_z(i, 0, 2.0 * i);
+    vmiBaseGrid dst(src);
+    for (int i = 0; i < 10; i++)
+        dst.set_z(i, 0, 100.0);
+    int crossings[] = {2, 1, 8};
+    src.fill_row2(&dst, crossings, 0);
+    const double front = (6.0 + 8.0) / 2;  // the valid nodes 3 and 4 around node 3
+    const double back = (10.0 + 12.0) / 2;  // the valid nodes 5 and 6 around node 6
+    EXPECT_EQ(row_z(dst, 0), (std::vector<double>{E, front, front, 100, 100, 100, back, back, E, E}));
+    // Written nodes keep the source's x and y.
+    expect_point(dst.point(1, 0), 1.0, 0.0, front);
+}
+
+TEST(vmiBaseGrid, FillRow2_NoValidNodeOnlyEmptiesOutside)
+{
+    vmiBaseGrid src(6, 1, 1.0, 1.0);
+    vmiBaseGrid dst(6, 1, 1.0, 1.0);
+    for (int i = 0; i < 6; i++)
+        dst.set_z(i, 0, 1.0);
+    int crossings[] = {3, 1, 2, 4};
+    src.fill_row2(&dst, crossings, 0);
+    EXPECT_EQ(row_z(dst, 0), (std::vector<double>{E, 1, 1, 1, E, E}));
+    src.fill_row2(nullptr, crossings, 0);
+    src.fill_row2(&dst, nullptr, 0);
+}
+
+TEST(vmiBaseGrid, FillColm2_SameAlongColumnUpToYSize)
+{
+    vmiBaseGrid src(1, 10, 1.0, 1.0);
+    for (int j = 3; j <= 6; j++)
+        src.set_z(0, j, 2.0 * j);
+    vmiBaseGrid dst(src);
+    for (int j = 0; j < 10; j++)
+        dst.set_z(0, j, 100.0);
+    int crossings[] = {2, 1, 8};
+    src.fill_colm2(&dst, crossings, 0);
+    double front = src.everage_height(0, 3, 2);
+    double back = src.everage_height(0, 6, 2);
+    EXPECT_EQ(column_z(dst, 0), (std::vector<double>{E, front, front, 100, 100, 100, back, back, E, E}));
+    expect_point(dst.point(0, 2), 0.0, 2.0, front);
+}
+
+TEST(vmiBaseGrid, FillRow2_CrossingsBeyondGridAreAbsorbed)
+{
+    vmiBaseGrid src(4, 1, 1.0, 1.0);
+    src.set_z(2, 0, 3.0);
+    vmiBaseGrid dst(4, 1, 1.0, 1.0);
+    int crossings[] = {2, -50, 5000};
+    src.fill_row2(&dst, crossings, 0);
+    EXPECT_EQ(row_z(dst, 0), (std::vector<double>{3, 3, 3, 3}));
+}
+
+TEST(vmiBaseGrid, FillRow2_NodeAtValidThresholdIsAGapAndTheNextAboveIsNot)
+{
+    // Nodes 1 ... 4 lie between the crossings 1 and 5. Node 1 at exactly
+    // valid_z is no surface (though above empty_z): the gap before node 2
+    // takes the mean around node 2, (3 + 5) / 2. Just above valid_z, node 1
+    // is the first surface node and no gap is written.
+    const double thresholds[] = {vmiBaseGrid::valid_z, std::nextafter(vmiBaseGrid::valid_z, 0.0)};
+    const double node_1_after[] = {(3.0 + 5.0) / 2, 0.0};
+    for (int k = 0; k < 2; k++) {
+        vmiBaseGrid src(7, 1, 1.0, 1.0);
+        src.set_z(1, 0, thresholds[k]);
+        src.set_z(2, 0, 3.0);
+        src.set_z(3, 0, 5.0);
+        src.set_z(4, 0, 5.0);
+        auto dst = flat_grid(7, 1, 0.0);
+        int crossings[] = {2, 1, 5};
+        src.fill_row2(dst.get(), crossings, 0);
+        EXPECT_EQ(dst->point(1, 0).z(), node_1_after[k]) << k;
+    }
+}
+
+TEST(vmiBaseGrid, FillColm2_NodeAtValidThresholdIsAGapAndTheNextAboveIsNot)
+{
+    // As along a row, down column 0.
+    const double thresholds[] = {vmiBaseGrid::valid_z, std::nextafter(vmiBaseGrid::valid_z, 0.0)};
+    const double node_1_after[] = {(3.0 + 5.0) / 2, 0.0};
+    for (int k = 0; k < 2; k++) {
+        vmiBaseGrid src(1, 7, 1.0, 1.0);
+        src.set_z(0, 1, thresholds[k]);
+        src.set_z(0, 2, 3.0);
+        src.set_z(0, 3, 5.0);
+        src.set_z(0, 4, 5.0);
+        auto dst = flat_grid(1, 7, 0.0);
+        int crossings[] = {2, 1, 5};
+        src.fill_colm2(dst.get(), crossings, 0);
+        EXPECT_EQ(dst->point(0, 1).z(), node_1_after[k]) << k;
+    }
+}
+
+TEST(vmiBaseGrid, Drop_RoundsAPointToItsNodeFromTheOriginNotFromTheFirstNode)
+{
+    // The nodes sit at (10 + i, 20 + j); a point at (1, 2) still lands on node
+    // (1, 2), as if the first node stood at (0, 0).
+    auto g = flat_grid(4, 4, 1.0);
+    g->offset(10.0, 20.0);
+    m03DPoint p(1.0, 2.0, 5.0);
+    g->drop(&p, 1);
+    EXPECT_EQ(g->point(1, 2).z(), 6.0);
+    EXPECT_EQ(g->point(1, 2).x(), 11.0);
+}
+
+// ---------------------------------------------------------------------------
 // Closing the solid
 
-class MakeClosedSolid : public ::testing::Test {
-protected:
-    // Rows 2 ... 5 hold a surface at columns 12 ... 15 after trimming.
-    void SetUp() override
-    {
-        grid = flat_grid(20, 8, 1.0);
-        for (int j = 2; j <= 5; j++)
-            for (int i = 12; i <= 17; i++)
-                grid->set_z(i, j, 2.0 + j + 0.25 * i);
-        outline = rectangle(12, 2, 17, 5);
-    }
-    m03DPoint at(int i, int j) { return grid->point(i, j); }
-
-    std::unique_ptr<vmiBaseGrid> grid;
-    std::unique_ptr<m03DVector> outline;
-};
-
-TEST_F(MakeClosedSolid, HighRow_WritesWallsAndFloor)
+// Rows 2 ... 5 hold a surface at columns 12 ... 15 after trimming to
+// closed_solid_outline().
+std::unique_ptr<vmiBaseGrid> closed_solid_grid()
 {
+    auto grid = flat_grid(20, 8, 1.0);
+    for (int j = 2; j <= 5; j++)
+        for (int i = 12; i <= 17; i++)
+            grid->set_z(i, j, 2.0 + j + 0.25 * i);
+    return grid;
+}
+
+std::unique_ptr<m03DVector> closed_solid_outline()
+{
+    return rectangle(12, 2, 17, 5);
+}
+
+TEST(vmiBaseGrid, MakeClosedSolid_HighRow_WritesWallsAndFloor)
+{
+    auto grid = closed_solid_grid();
+    auto outline = closed_solid_outline();
     grid->make_closed_solid(outline.get());
     const double lz = 2.0 + 2 + 0.25 * 12, rz = 2.0 + 2 + 0.25 * 15;
-    expect_point(at(0, 2), 12.0, 2.0, 0.001);
-    expect_point(at(1, 2), 12.0, 2.0, lz);
-    expect_point(at(4, 2), 15.0, 2.0, 0.001);
-    expect_point(at(5, 2), 12.0, 2.0, 0.001);
-    expect_point(at(8, 2), 15.0, 2.0, rz);
-    expect_point(at(9, 2), 15.0, 2.0, 0.001);
-    EXPECT_EQ(at(2, 2).z(), E);
+    expect_point(grid->point(0, 2), 12.0, 2.0, 0.001);
+    expect_point(grid->point(1, 2), 12.0, 2.0, lz);
+    expect_point(grid->point(4, 2), 15.0, 2.0, 0.001);
+    expect_point(grid->point(5, 2), 12.0, 2.0, 0.001);
+    expect_point(grid->point(8, 2), 15.0, 2.0, rz);
+    expect_point(grid->point(9, 2), 15.0, 2.0, 0.001);
+    EXPECT_EQ(grid->point(2, 2).z(), E);
 }
 
-TEST_F(MakeClosedSolid, RowWithNodeBelowTestHeight_WallsButNoFloor)
+TEST(vmiBaseGrid, MakeClosedSolid_RowWithNodeBelowTestHeight_WallsButNoFloor)
 {
+    auto grid = closed_solid_grid();
+    auto outline = closed_solid_outline();
     grid->set_z(13, 3, 0.005);
     grid->make_closed_solid(outline.get());
-    EXPECT_EQ(at(0, 3).z(), 0.001);
-    EXPECT_GT(at(1, 3).z(), 0.01);
-    EXPECT_GT(at(8, 3).z(), 0.01);
-    EXPECT_EQ(at(9, 3).z(), 0.001);
-    EXPECT_EQ(at(4, 3).z(), E);
-    EXPECT_EQ(at(5, 3).z(), E);
+    EXPECT_EQ(grid->point(0, 3).z(), 0.001);
+    EXPECT_GT(grid->point(1, 3).z(), 0.01);
+    EXPECT_GT(grid->point(8, 3).z(), 0.01);
+    EXPECT_EQ(grid->point(9, 3).z(), 0.001);
+    EXPECT_EQ(grid->point(4, 3).z(), E);
+    EXPECT_EQ(grid->point(5, 3).z(), E);
 }
 
-TEST_F(MakeClosedSolid, LowRightEdge_OnlyLeftWall)
+TEST(vmiBaseGrid, MakeClosedSolid_LowRightEdge_OnlyLeftWall)
 {
+    auto grid = closed_solid_grid();
+    auto outline = closed_solid_outline();
     grid->set_z(15, 4, 0.0);
     grid->make_closed_solid(outline.get());
-    EXPECT_EQ(at(0, 4).z(), 0.001);
-    EXPECT_EQ(at(1, 4).z(), 2.0 + 4 + 0.25 * 12);
+    EXPECT_EQ(grid->point(0, 4).z(), 0.001);
+    EXPECT_EQ(grid->point(1, 4).z(), 2.0 + 4 + 0.25 * 12);
     for (int i : {4, 5, 8, 9})
-        EXPECT_EQ(at(i, 4).z(), E) << i;
+        EXPECT_EQ(grid->point(i, 4).z(), E) << i;
 }
 
-TEST_F(MakeClosedSolid, LeftEdgeAtTestHeight_OnlyRightWall)
+TEST(vmiBaseGrid, MakeClosedSolid_LeftEdgeAtTestHeight_OnlyRightWall)
 {
+    auto grid = closed_solid_grid();
+    auto outline = closed_solid_outline();
     // 0.01 is not above the test height, yet not below it for the floor test.
     grid->set_z(12, 5, 0.01);
     grid->make_closed_solid(outline.get());
     for (int i : {0, 1, 4, 5})
-        EXPECT_EQ(at(i, 5).z(), E) << i;
-    expect_point(at(8, 5), 15.0, 5.0, 2.0 + 5 + 0.25 * 15);
-    expect_point(at(9, 5), 15.0, 5.0, 0.001);
+        EXPECT_EQ(grid->point(i, 5).z(), E) << i;
+    expect_point(grid->point(8, 5), 15.0, 5.0, 2.0 + 5 + 0.25 * 15);
+    expect_point(grid->point(9, 5), 15.0, 5.0, 0.001);
 }
 
-TEST_F(MakeClosedSolid, EndCapsTakeRightWallOfFirstAndLastRow)
+TEST(vmiBaseGrid, MakeClosedSolid_EndCapsTakeRightWallOfFirstAndLastRow)
 {
+    auto grid = closed_solid_grid();
+    auto outline = closed_solid_outline();
     grid->make_closed_solid(outline.get());
-    expect_point(at(0, 1), 15.0, 2.0, 0.001);
-    expect_point(at(1, 1), 15.0, 2.0, 2.0 + 2 + 0.25 * 15);
-    expect_point(at(0, 6), 15.0, 5.0, 0.001);
-    expect_point(at(1, 6), 15.0, 5.0, 2.0 + 5 + 0.25 * 15);
-    EXPECT_EQ(at(0, 0).z(), E);
-    EXPECT_EQ(at(0, 7).z(), E);
+    expect_point(grid->point(0, 1), 15.0, 2.0, 0.001);
+    expect_point(grid->point(1, 1), 15.0, 2.0, 2.0 + 2 + 0.25 * 15);
+    expect_point(grid->point(0, 6), 15.0, 5.0, 0.001);
+    expect_point(grid->point(1, 6), 15.0, 5.0, 2.0 + 5 + 0.25 * 15);
+    EXPECT_EQ(grid->point(0, 0).z(), E);
+    EXPECT_EQ(grid->point(0, 7).z(), E);
 }
 
-TEST_F(MakeClosedSolid, NullOutlineDoesNothing)
+TEST(vmiBaseGrid, MakeClosedSolid_NullOutlineDoesNothing)
 {
+    auto grid = closed_solid_grid();
     vmiBaseGrid before(*grid);
     grid->make_closed_solid(static_cast<m03DVector*>(nullptr));
     for (int j = 0; j < 8; j++)
         EXPECT_EQ(row_z(*grid, j), row_z(before, j));
 }
 
-TEST_F(MakeClosedSolid, ScanNeverLooksBelowColumnTen)
+TEST(vmiBaseGrid, MakeClosedSolid_ScanNeverLooksBelowColumnTen)
 {
+    auto grid = closed_solid_grid();
+    auto outline = closed_solid_outline();
     // An outline reaching column 2: the surface at 2 ... 9 is not taken as the
     // left edge; the scan starts at column 10.
     auto wide = rectangle(2, 2, 17, 5);
     grid->make_closed_solid(wide.get());
-    EXPECT_EQ(at(1, 3).x(), 10.0);
-    EXPECT_EQ(at(0, 3).z(), 0.001);
+    EXPECT_EQ(grid->point(1, 3).x(), 10.0);
+    EXPECT_EQ(grid->point(0, 3).z(), 0.001);
 }

@@ -880,7 +880,7 @@ TEST(vmiHPelotte, CreateBspCurve_FewerPointsThanTheOrderEndInOnes)
 TEST(vmiHPelotte, CreateBspCurve_OrderAboveTheCurvesMaximumGivesNull)
 {
     vmiHPelotte pad(nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0.0, 0.0);
-    const int top = m0BspCurve::kMaxOrder;
+    const int top = m0BspCurve::max_order;
     std::unique_ptr<m0BspCurve> c(Probe::create_bsp_curve(pad, new m03DVector(top), top));
     ASSERT_NE(c, nullptr);
     EXPECT_EQ(c->knot_vector()->size(), 2 * top);

@@ -228,7 +228,7 @@ TEST(vmiHPline, CreateBspCurve_NullPointsOrOrderBelowTwoGiveNoCurve)
     // The points are adopted even when no curve comes of them (a leak would
     // show under the sanitizer).
     EXPECT_EQ(Probe::create_bsp_curve(*line, new m03DVector(5), 1), nullptr);
-    EXPECT_EQ(Probe::create_bsp_curve(*line, new m03DVector(5), m0BspCurve::kMaxOrder + 1), nullptr);
+    EXPECT_EQ(Probe::create_bsp_curve(*line, new m03DVector(5), m0BspCurve::max_order + 1), nullptr);
 }
 
 // ---------------------------------------------------------------------------

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr double kLargest = std::numeric_limits<double>::max();
+constexpr double largest_double = std::numeric_limits<double>::max();
 
 std::vector<char> deflate_bytes(const std::string& text)
 {
@@ -40,13 +40,13 @@ std::string sample_text(int n)
 
 // A destination with guard bytes after its usable part, to see any overrun.
 struct GuardedBuffer {
-    static constexpr int kGuard = 64;
-    static constexpr char kFill = '\x5A';
-    explicit GuardedBuffer(int room) : room(room), bytes(static_cast<size_t>(room + kGuard), kFill) {}
+    static constexpr int guard_bytes = 64;
+    static constexpr char fill_byte = '\x5A';
+    explicit GuardedBuffer(int room) : room(room), bytes(static_cast<size_t>(room + guard_bytes), fill_byte) {}
     bool guard_intact() const
     {
-        for (int i = room; i < room + kGuard; i++)
-            if (bytes[static_cast<size_t>(i)] != kFill)
+        for (int i = room; i < room + guard_bytes; i++)
+            if (bytes[static_cast<size_t>(i)] != fill_byte)
                 return false;
         return true;
     }
@@ -67,11 +67,11 @@ TEST(GiBox3, DefaultBox_IsInvalid)
 TEST(GiBox3, DefaultBox_FirstMinimumCoordinateHoldsLargestDouble)
 {
     giBox3 box;
-    EXPECT_EQ(box.min().x(), kLargest);
+    EXPECT_EQ(box.min().x(), largest_double);
     EXPECT_EQ(box.min().x(), 1.7976931348623157e308);
-    EXPECT_EQ(box.min().y(), kLargest);
-    EXPECT_EQ(box.min().z(), kLargest);
-    EXPECT_EQ(box.max().x(), -kLargest);
+    EXPECT_EQ(box.min().y(), largest_double);
+    EXPECT_EQ(box.min().z(), largest_double);
+    EXPECT_EQ(box.max().x(), -largest_double);
 }
 
 TEST(GiBox3, FirstMergedPoint_MakesValidZeroExtentBox)

@@ -22,8 +22,8 @@ rnxNurbCurve3 clamped(int n, int k)
     return c;
 }
 
-const double kNaN = std::numeric_limits<double>::quiet_NaN();
-const double kInf = std::numeric_limits<double>::infinity();
+const double not_a_number = std::numeric_limits<double>::quiet_NaN();
+const double infinity = std::numeric_limits<double>::infinity();
 
 }  // namespace
 
@@ -118,7 +118,7 @@ TEST(rnxNurbCurve3, DecreasingKnot_NotValid)
 
 TEST(rnxNurbCurve3, NonFiniteKnot_NotValid)
 {
-    for (double bad : {kNaN, kInf, -kInf}) {
+    for (double bad : {not_a_number, infinity, -infinity}) {
         rnxNurbCurve3 c = clamped(6, 4);
         c.set_knot(9, bad);
         EXPECT_EQ(c.is_valid(), 0) << bad;
@@ -130,7 +130,7 @@ TEST(rnxNurbCurve3, NonFiniteKnot_NotValid)
 
 TEST(rnxNurbCurve3, NonPositiveOrNonFiniteWeight_NotValid)
 {
-    for (double bad : {0.0, -1.0, -0.0, kNaN, kInf}) {
+    for (double bad : {0.0, -1.0, -0.0, not_a_number, infinity}) {
         rnxNurbCurve3 c = clamped(5, 3);
         c.set_weight(2, bad);
         EXPECT_EQ(c.is_valid(), 0) << bad;
@@ -218,7 +218,7 @@ TEST(rnxNurbCurve3, EvaluateOutsideDomain_ClampedToEnds)
     rnxNurbCurve3 c = clamped(5, 4);
     EXPECT_TRUE(c.evaluate(-3.0) == c.evaluate(0.0));
     EXPECT_TRUE(c.evaluate(4.0) == c.evaluate(1.0));
-    EXPECT_TRUE(c.evaluate(kNaN) == c.evaluate(0.0));
+    EXPECT_TRUE(c.evaluate(not_a_number) == c.evaluate(0.0));
 }
 
 TEST(rnxNurbCurve3, EvaluateInvalidCurve_GivesOrigin)

@@ -164,4 +164,17 @@ void foot_outline(int n, double x0, double y0, double width, double length, std:
     y.push_back(y.front());
 }
 
+std::string small_design(bool finished)
+{
+    std::vector<double> x, y, xi, yi;
+    foot_outline(31, 10, 10, 40, 90, x, y);
+    foot_outline(31, 12, 12, 36, 86, xi, yi);
+    contour_text t("0001 design");
+    t.kerneldata(60, 110, 1.0, 1.0, 10.0, 10.0);
+    t.rohlingsdaten("sole", x, y, {}, {}, {}, 3.0, 8.0);
+    if (finished)
+        t.hcontour2("insole", xi, yi);
+    return t.end().text();
+}
+
 }  // namespace vlm

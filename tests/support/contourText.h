@@ -71,4 +71,10 @@ private:
 void foot_outline(int n, double x0, double y0, double width, double length, std::vector<double>& x,
                   std::vector<double>& y);
 
+// The small design the suites import: a 60 x 110 working grid at 1 mm, the
+// blank's foot outline (40 x 90 mm from (10, 10)) and, when finished, the
+// insole outline 2 mm inside it. The text alone: the caller wraps it in an
+// entry (as a chunk chain, or raw).
+std::string small_design(bool finished = true);
+
 }  // namespace vlm

@@ -1,4 +1,4 @@
-// Group translators: names, manglers, members and the walk through a tree.
+// Group translators: names, members and the walk through a tree.
 #include "translate/vmiGroupTranslator.h"
 
 #include <gtest/gtest.h>
@@ -59,13 +59,6 @@ std::unique_ptr<vmiObject> cloud_object(const char* name)
 }
 
 }  // namespace
-
-TEST(vmiMangler, DoMangling_JoinsPrefixAndNameWithUnderscore)
-{
-    vmiMangler m(utString("VelmScan(A)"));
-    EXPECT_EQ(m.do_mangling(utString("SCAN_(LEFT)_x")), utString("VelmScan(A)_SCAN_(LEFT)_x"));
-    EXPECT_EQ(m.do_mangling(utString("")), utString("VelmScan(A)_"));
-}
 
 TEST(vmiGroupTranslator, Walk_ChildOfVelmScanGroupIsMangledWithTheGroupName)
 {
@@ -192,7 +185,7 @@ TEST(vmiGroupTranslator, Walk_MemberWithoutGeometryIsCountedAsRejected)
 }
 
 // The operations the library overrides sit in the slots the host expects.
-TEST(vmiTranslatorSlots, OverriddenOperationsSitInTheirSlots)
+TEST(vmiGroupTranslator, Slots_OverriddenOperationsSitInTheirSlots)
 {
     EXPECT_EQ(vtable_entry(&vmiGroupTranslator::attributes), entry_of_slot(2, 9));
     EXPECT_EQ(vtable_entry(&vmiGroupTranslator::create_name_mangler), entry_of_slot(17, 9));
@@ -205,7 +198,7 @@ TEST(vmiTranslatorSlots, OverriddenOperationsSitInTheirSlots)
     EXPECT_EQ(vtable_entry(&vmiMangler::do_mangling), entry_of_slot(1, 2));
 }
 
-TEST(vmiTranslatorSlots, OverridesAreReachedThroughTheHostBases)
+TEST(vmiGroupTranslator, Slots_OverridesAreReachedThroughTheHostBases)
 {
     qorabsContext context;
     auto g = vmiGroupTranslator::make(utString("VelmScan(A)"), giXform3(), context);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 #include <vector>
 
@@ -15,7 +16,7 @@
 
 namespace {
 
-constexpr double kMissing = -1000000000.0 * 0.1;  // how the scan import stores a missing height
+constexpr double scan_missing = -1000000000.0 * 0.1;  // how the scan import stores a missing height
 
 // An nx x ny grid record, node (i, j) at (i, 10 j, z[j * nx + i]).
 std::unique_ptr<vmiObjGrid> grid_record(int nx, int ny, const std::vector<double>& z)
@@ -46,7 +47,7 @@ SinkEvent walk(const vmiTriBlock& w)
 
 TEST(vmiTriBlock, Convert_AllHeightsMissingGivesStatus1)
 {
-    auto r = grid_record(3, 3, std::vector<double>(9, kMissing));
+    auto r = grid_record(3, 3, std::vector<double>(9, scan_missing));
     giTriBlock tb;
     EXPECT_EQ(vmiTriBlock(r.get()).convert(tb), 0);
     EXPECT_EQ(tb.num_vertices(), 0);
@@ -74,7 +75,7 @@ TEST(vmiTriBlock, Convert_TwoByTwoGridGivesFourVerticesAndTriangles012And132)
 
 TEST(vmiTriBlock, Convert_FirstNodePresentSecondMissingMakesNothingForTheCell)
 {
-    auto r = grid_record(2, 2, {1.0, kMissing, 3.0, 4.0});
+    auto r = grid_record(2, 2, {1.0, scan_missing, 3.0, 4.0});
     giTriBlock tb;
     EXPECT_EQ(vmiTriBlock(r.get()).convert(tb), 0);
     EXPECT_EQ(tb.num_vertices(), 3);
@@ -83,7 +84,7 @@ TEST(vmiTriBlock, Convert_FirstNodePresentSecondMissingMakesNothingForTheCell)
 
 TEST(vmiTriBlock, Convert_FirstNodeMissingStillMakesTriangleBDC)
 {
-    auto r = grid_record(2, 2, {kMissing, 2.0, 3.0, 4.0});
+    auto r = grid_record(2, 2, {scan_missing, 2.0, 3.0, 4.0});
     giTriBlock tb;
     EXPECT_EQ(vmiTriBlock(r.get()).convert(tb), 1);
     ASSERT_EQ(tb.num_triangles(), 1);
@@ -93,25 +94,26 @@ TEST(vmiTriBlock, Convert_FirstNodeMissingStillMakesTriangleBDC)
 
 TEST(vmiTriBlock, Convert_ThirdNodeMissingMakesNoTriangle)
 {
-    auto r = grid_record(2, 2, {1.0, 2.0, kMissing, 4.0});
+    auto r = grid_record(2, 2, {1.0, 2.0, scan_missing, 4.0});
     giTriBlock tb;
     EXPECT_EQ(vmiTriBlock(r.get()).convert(tb), 0);
     EXPECT_EQ(tb.num_vertices(), 3);
     EXPECT_EQ(tb.num_triangles(), 0);
 }
 
-TEST(vmiTriBlock, Convert_HeightOfMinus1000IsMissingAndJustAboveIsPresent)
+TEST(vmiTriBlock, Convert_HeightAtValidThresholdIsMissingAndTheNextAboveIsPresent)
 {
-    auto r = grid_record(2, 2, {-1000.0, -999.9999, 0.0, 0.0});
+    const double just_above = std::nextafter(vmiBaseGrid::valid_z, 0.0);
+    auto r = grid_record(2, 2, {vmiBaseGrid::valid_z, just_above, 0.0, 0.0});
     giTriBlock tb;
     vmiTriBlock(r.get()).convert(tb);
     ASSERT_EQ(tb.num_vertices(), 3);
-    EXPECT_EQ(tb.vertices()->get(0).z(), -999.9999);
+    EXPECT_EQ(tb.vertices()->get(0).z(), just_above);
 }
 
 TEST(vmiTriBlock, Convert_EmptyGridNodeIsMissing)
 {
-    auto r = grid_record(2, 2, {-10000.0, 1.0, 1.0, 1.0});
+    auto r = grid_record(2, 2, {vmiBaseGrid::empty_z, 1.0, 1.0, 1.0});
     giTriBlock tb;
     vmiTriBlock(r.get()).convert(tb);
     EXPECT_EQ(tb.num_vertices(), 3);

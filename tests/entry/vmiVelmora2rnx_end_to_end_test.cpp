@@ -14,7 +14,6 @@
 #include "tests/support/contourText.h"
 #include "tests/support/vlmWriter.h"
 
-using plugin_host::option_set;
 using plugin_host::run_import;
 
 namespace {
@@ -41,14 +40,7 @@ std::string scan_image()
 
 std::string design()
 {
-    std::vector<double> x, y, xi, yi;
-    vlm::foot_outline(31, 10, 10, 40, 90, x, y);
-    vlm::foot_outline(31, 12, 12, 36, 86, xi, yi);
-    vlm::contour_text t("0001 design");
-    t.kerneldata(60, 110, 1.0, 1.0, 10.0, 10.0);
-    t.rohlingsdaten("sole", x, y, {}, {}, {}, 3.0, 8.0);
-    t.hcontour2("insole", xi, yi);
-    return vlm::chunk_chain(t.end().text(), 1000);
+    return vlm::chunk_chain(vlm::small_design(), 1000);
 }
 
 // An archive of every kind of record: a left scan with its image and a right
@@ -113,18 +105,21 @@ const SinkEvent* first_member(const std::vector<SinkEvent>& events, const SinkEv
     return next < events.data() + events.size() && next->depth == open->depth + 1 ? next : nullptr;
 }
 
-class ImportEndToEnd : public ::testing::Test {
-protected:
-    void SetUp() override { path_ = write_archive(); }
-    void TearDown() override { std::remove(path_.c_str()); }
-    std::string path_;
+// The archive of write_archive, removed again at the end of the test.
+struct written_archive {
+    written_archive() : path(write_archive()) {}
+    ~written_archive() { std::remove(path.c_str()); }
+    written_archive(const written_archive&) = delete;
+    written_archive& operator=(const written_archive&) = delete;
+    std::string path;
 };
 
 } // namespace
 
-TEST_F(ImportEndToEnd, GroupsCarryTheCatalogueNamesFromTheRootDown)
+TEST(vmiVelmora2rnx, EndToEnd_GroupsCarryTheCatalogueNamesFromTheRootDown)
 {
-    plugin_host::import_result r = run_import(path_);
+    written_archive archive;
+    plugin_host::import_result r = run_import(archive.path);
     ASSERT_EQ(r.result, 1);
     ASSERT_EQ(r.translators, 1);
     const std::vector<SinkEvent>& ev = r.events;
@@ -150,9 +145,10 @@ TEST_F(ImportEndToEnd, GroupsCarryTheCatalogueNamesFromTheRootDown)
     EXPECT_FALSE(scans->has_colour);
 }
 
-TEST_F(ImportEndToEnd, ScansAndTheImageComeWithTheirLevelsAndLayers)
+TEST(vmiVelmora2rnx, EndToEnd_ScansAndTheImageComeWithTheirLevelsAndLayers)
 {
-    plugin_host::import_result r = run_import(path_);
+    written_archive archive;
+    plugin_host::import_result r = run_import(archive.path);
     const std::vector<SinkEvent>& ev = r.events;
     const SinkEvent* scans = find(ev, "begin", "VelmScan(Visit)");
     ASSERT_NE(scans, nullptr);
@@ -185,9 +181,10 @@ TEST_F(ImportEndToEnd, ScansAndTheImageComeWithTheirLevelsAndLayers)
     EXPECT_EQ(right->layer_name, "SCAN_(RIGHT)_20210303");
 }
 
-TEST_F(ImportEndToEnd, ModelsHoldTheirOutlinesAndTheFinishedModel)
+TEST(vmiVelmora2rnx, EndToEnd_ModelsHoldTheirOutlinesAndTheFinishedModel)
 {
-    plugin_host::import_result r = run_import(path_);
+    written_archive archive;
+    plugin_host::import_result r = run_import(archive.path);
     const std::vector<SinkEvent>& ev = r.events;
     const SinkEvent* models = find(ev, "begin", "PCS models(Visit)");
     ASSERT_NE(models, nullptr);
@@ -214,9 +211,10 @@ TEST_F(ImportEndToEnd, ModelsHoldTheirOutlinesAndTheFinishedModel)
     EXPECT_EQ(members(ev, second).back(), "FINISH_MODEL~1");
 }
 
-TEST_F(ImportEndToEnd, MembersLieSideBySideInXAndEachGroupInItsOwnBandInY)
+TEST(vmiVelmora2rnx, EndToEnd_MembersLieSideBySideInXAndEachGroupInItsOwnBandInY)
 {
-    plugin_host::import_result r = run_import(path_);
+    written_archive archive;
+    plugin_host::import_result r = run_import(archive.path);
     const std::vector<SinkEvent>& ev = r.events;
     // The left scan is 6 x 3, its image 2 x 1, the right scan 1 x 1.
     const SinkEvent* left = find(ev, "begin", "SCAN_(LEFT)_20210301", 0);
@@ -239,10 +237,11 @@ TEST_F(ImportEndToEnd, MembersLieSideBySideInXAndEachGroupInItsOwnBandInY)
     EXPECT_TRUE(find(ev, "begin", "PCS models(Control)")->xform == giXform3());
 }
 
-TEST_F(ImportEndToEnd, ImageOptionOffLeavesTheImageOut)
+TEST(vmiVelmora2rnx, EndToEnd_ImageOptionOffLeavesTheImageOut)
 {
+    written_archive archive;
     option_set off("vmiOptProcessImageData", 0);
-    plugin_host::import_result r = run_import(path_);
+    plugin_host::import_result r = run_import(archive.path);
     ASSERT_EQ(r.result, 1);
     EXPECT_EQ(count(r.events, "pointcloud"), 0);
     const SinkEvent* scans = find(r.events, "begin", "VelmScan(Visit)");
@@ -252,10 +251,11 @@ TEST_F(ImportEndToEnd, ImageOptionOffLeavesTheImageOut)
     EXPECT_EQ(find(r.events, "triblock", "SCAN_(RIGHT)_20210303")->level, 11);
 }
 
-TEST_F(ImportEndToEnd, ScanOptionOffKeepsOnlyTheImageUnderTheLatestGroupName)
+TEST(vmiVelmora2rnx, EndToEnd_ScanOptionOffKeepsOnlyTheImageUnderTheLatestGroupName)
 {
+    written_archive archive;
     option_set off("vmiOptProcessScanData", 0);
-    plugin_host::import_result r = run_import(path_);
+    plugin_host::import_result r = run_import(archive.path);
     ASSERT_EQ(r.result, 1);
     EXPECT_EQ(find(r.events, "triblock", "SCAN_(LEFT)_20210301"), nullptr);
     EXPECT_EQ(find(r.events, "triblock", "SCAN_(RIGHT)_20210303"), nullptr);
@@ -270,10 +270,11 @@ TEST_F(ImportEndToEnd, ScanOptionOffKeepsOnlyTheImageUnderTheLatestGroupName)
     EXPECT_NE(find(r.events, "triblock", "FINISH_MODEL~0"), nullptr);
 }
 
-TEST_F(ImportEndToEnd, OrthoticOptionOffLeavesTheModelsOut)
+TEST(vmiVelmora2rnx, EndToEnd_OrthoticOptionOffLeavesTheModelsOut)
 {
+    written_archive archive;
     option_set off("vmiOptProcessOrthoticData", 0);
-    plugin_host::import_result r = run_import(path_);
+    plugin_host::import_result r = run_import(archive.path);
     ASSERT_EQ(r.result, 1);
     EXPECT_EQ(find(r.events, "begin", "PCS models(Visit)"), nullptr);
     EXPECT_EQ(find(r.events, "begin", "PCS models(Control)"), nullptr);
@@ -284,11 +285,12 @@ TEST_F(ImportEndToEnd, OrthoticOptionOffLeavesTheModelsOut)
     EXPECT_NE(find(r.events, "triblock", "SCAN_(LEFT)_20210301"), nullptr);
 }
 
-TEST_F(ImportEndToEnd, OptionsAreReadAgainAtTheNextImport)
+TEST(vmiVelmora2rnx, EndToEnd_OptionsAreReadAgainAtTheNextImport)
 {
+    written_archive archive;
     {
         option_set off("vmiOptProcessImageData", 0);
-        EXPECT_EQ(count(run_import(path_).events, "pointcloud"), 0);
+        EXPECT_EQ(count(run_import(archive.path).events, "pointcloud"), 0);
     }
-    EXPECT_EQ(count(run_import(path_).events, "pointcloud"), 1);
+    EXPECT_EQ(count(run_import(archive.path).events, "pointcloud"), 1);
 }

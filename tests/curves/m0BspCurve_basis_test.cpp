@@ -2,6 +2,7 @@
 // plain Cox-de Boor recursion, on random curves, parameters and derivative
 // orders, hostile knot vectors included.
 #include "curves/m0BspCurve.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +19,7 @@ public:
         return m0BspCurve::single_basis(knots, m, order, t, i, der);
     }
     static void span(const double* knots, int m, int order, double t, int first, int max_der,
-                     double values[][m0BspCurve::kMaxOrder])
+                     double values[][m0BspCurve::max_order])
     {
         m0BspCurve::span_table(knots, m, order, t, first, max_der, values);
     }
@@ -39,16 +40,6 @@ public:
 namespace {
 
 using Access = m0BspCurveTestAccess;
-
-bool same_bits(double a, double b)
-{
-    return std::memcmp(&a, &b, sizeof(double)) == 0;
-}
-
-bool same_bits(const m03DPoint& a, const m03DPoint& b)
-{
-    return std::memcmp(&a, &b, sizeof(m03DPoint)) == 0;
-}
 
 struct RandomCurve {
     int degree = 0;
@@ -128,7 +119,7 @@ std::vector<double> parameters(const RandomCurve& rc, std::mt19937_64& rng, int 
 
 }  // namespace
 
-TEST(M0BspCurveBasis, TableEqualsRecursionBitForBit_RandomKnotsParametersAndDerivatives)
+TEST(m0BspCurve, Basis_TableEqualsRecursionBitForBit_RandomKnotsParametersAndDerivatives)
 {
     std::mt19937_64 rng(20261122);
     long compared = 0;
@@ -139,7 +130,7 @@ TEST(M0BspCurveBasis, TableEqualsRecursionBitForBit_RandomKnotsParametersAndDeri
         for (double t : parameters(rc, rng, 12)) {
             for (int order = 1; order <= rc.degree + 2; order++) {
                 for (int i = -2; i <= m + 1; i++) {
-                    for (int d = 0; d <= m0BspCurve::kMaxDerivative; d++) {
+                    for (int d = 0; d <= m0BspCurve::max_derivative; d++) {
                         const double fast = Access::table_basis(rc.knots.data(), m, order, t, i, d);
                         const double ref = m0BspCurve::basis_reference(rc.knots.data(), m, order, t, i, d);
                         ASSERT_TRUE(same_bits(fast, ref)) << "order " << order << " i " << i << " d " << d
@@ -157,7 +148,7 @@ TEST(M0BspCurveBasis, TableEqualsRecursionBitForBit_RandomKnotsParametersAndDeri
     std::printf("basis values compared bit for bit: %ld (%ld non-zero)\n", compared, nonzero);
 }
 
-TEST(M0BspCurveBasis, SpanTableEqualsRecursionBitForBit_WellFormedSpansKnotsOnTheParameter)
+TEST(m0BspCurve, Basis_SpanTableEqualsRecursionBitForBit_WellFormedSpansKnotsOnTheParameter)
 {
     // Clamped, non-decreasing knots with runs, and parameters on the knots
     // themselves, just beside them and inside: the spans where only the band
@@ -188,11 +179,11 @@ TEST(M0BspCurveBasis, SpanTableEqualsRecursionBitForBit_WellFormedSpansKnotsOnTh
             ts.push_back(k.front() + (k.back() - k.front()) * unit(rng));
         for (double t : ts) {
             for (int j = order - 1; j <= m - order; j++) {
-                double values[m0BspCurve::kMaxDerivative + 1][m0BspCurve::kMaxOrder];
+                double values[m0BspCurve::max_derivative + 1][m0BspCurve::max_order];
                 const int first = j - (order - 1);
-                Access::span(k.data(), m, order, t, first, m0BspCurve::kMaxDerivative, values);
+                Access::span(k.data(), m, order, t, first, m0BspCurve::max_derivative, values);
                 for (int c = 0; c < order; c++) {
-                    for (int d = 0; d <= m0BspCurve::kMaxDerivative; d++) {
+                    for (int d = 0; d <= m0BspCurve::max_derivative; d++) {
                         const double ref = m0BspCurve::basis_reference(k.data(), m, order, t, first + c, d);
                         ASSERT_TRUE(same_bits(values[d][c], ref))
                             << "order " << order << " span " << j << " c " << c << " d " << d << " t " << t
@@ -206,7 +197,7 @@ TEST(M0BspCurveBasis, SpanTableEqualsRecursionBitForBit_WellFormedSpansKnotsOnTh
     EXPECT_GT(compared, 500000);
 }
 
-TEST(M0BspCurveBasis, NamedDerivativeFunctions_AreTableEntriesOfTheirOrder)
+TEST(m0BspCurve, Basis_NamedDerivativeFunctions_AreTableEntriesOfTheirOrder)
 {
     std::mt19937_64 rng(7);
     for (int curve = 0; curve < 50; curve++) {
@@ -226,7 +217,7 @@ TEST(M0BspCurveBasis, NamedDerivativeFunctions_AreTableEntriesOfTheirOrder)
     }
 }
 
-TEST(M0BspCurveBasis, CurveWithTablesEqualsCurveWithRecursionBitForBit)
+TEST(m0BspCurve, Basis_CurveWithTablesEqualsCurveWithRecursionBitForBit)
 {
     std::mt19937_64 rng(4242);
     long compared = 0;
@@ -252,7 +243,7 @@ TEST(M0BspCurveBasis, CurveWithTablesEqualsCurveWithRecursionBitForBit)
     EXPECT_GT(compared, 20000);
 }
 
-TEST(M0BspCurveBasis, PartitionOfUnity_ClampedCurveInsideItsRange)
+TEST(m0BspCurve, Basis_PartitionOfUnity_ClampedCurveInsideItsRange)
 {
     // A sanity check of the values themselves: the basis functions of a span
     // sum to 1 and their derivatives to 0.
@@ -269,7 +260,7 @@ TEST(M0BspCurveBasis, PartitionOfUnity_ClampedCurveInsideItsRange)
     }
 }
 
-TEST(M0BspCurveBasis, OrderOne_LastKnotClosesTheLastNonEmptySpan)
+TEST(m0BspCurve, Basis_OrderOne_LastKnotClosesTheLastNonEmptySpan)
 {
     const std::vector<double> k = {0, 0, 0.5, 1, 1};
     // At the last knot every order-1 function whose right knot is the last one is 1.

@@ -1,6 +1,7 @@
 // m0BspCurve::approximate and simplify_param_vector: the polyline walked span
 // by span with an adaptive step.
 #include "curves/m0BspCurve.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
@@ -15,36 +16,6 @@ public:
 
 namespace {
 
-m03DVector* points_of(const std::vector<m03DPoint>& pts)
-{
-    auto* v = new m03DVector(static_cast<int>(pts.size()));
-    for (int i = 0; i < static_cast<int>(pts.size()); i++)
-        v->set_point(i, pts[i]);
-    return v;
-}
-
-m01DVector* values_of(const std::vector<double>& vals)
-{
-    auto* v = new m01DVector(static_cast<int>(vals.size()));
-    for (int i = 0; i < static_cast<int>(vals.size()); i++)
-        v->set_point(i, vals[i]);
-    return v;
-}
-
-m0BspCurve* make_curve(int degree, const std::vector<double>& knots, const std::vector<m03DPoint>& cps)
-{
-    auto* c = new m0BspCurve();
-    c->set_degree(degree);
-    c->set_knot_vector(values_of(knots));
-    c->set_cpnt_vector(points_of(cps));
-    return c;
-}
-
-bool same_bits(const m03DPoint& a, const m03DPoint& b)
-{
-    return std::memcmp(&a, &b, sizeof(m03DPoint)) == 0;
-}
-
 bool contains_bits(const m03DVector& v, const m03DPoint& p)
 {
     for (int i = 0; i < v.size(); i++)
@@ -55,7 +26,7 @@ bool contains_bits(const m03DVector& v, const m03DPoint& p)
 
 }  // namespace
 
-TEST(M0BspCurveApproximate, StraightDegreeOne_GivesStartMiddleEnd)
+TEST(m0BspCurve, Approximate_StraightDegreeOne_GivesStartMiddleEnd)
 {
     m0BspCurve* c = make_curve(1, {0, 0, 1, 1}, {{0, 0, 0}, {2, 1, 0}});
     m03DVector* poly = c->approximate(0.0, 1.0, 0.01);
@@ -69,7 +40,7 @@ TEST(M0BspCurveApproximate, StraightDegreeOne_GivesStartMiddleEnd)
     delete c;
 }
 
-TEST(M0BspCurveApproximate, BezierChain_KnotAtHalfIsAlwaysAPoint)
+TEST(m0BspCurve, Approximate_BezierChain_KnotAtHalfIsAlwaysAPoint)
 {
     m0BspCurve c(points_of({{0, 0, 0}, {1, 3, 0}, {2, -3, 1}, {3, 0, 0}, {4, 2, 0}, {5, 5, 2}, {6, 0, 0}}), 4);
     for (double tol : {1.0, 0.1, 0.01, 0.001}) {
@@ -88,7 +59,7 @@ TEST(M0BspCurveApproximate, BezierChain_KnotAtHalfIsAlwaysAPoint)
     }
 }
 
-TEST(M0BspCurveApproximate, EqualStartAndEnd_GivesTwoPoints)
+TEST(m0BspCurve, Approximate_EqualStartAndEnd_GivesTwoPoints)
 {
     m0BspCurve c(points_of({{0, 0, 0}, {1, 3, 0}, {2, -3, 1}, {3, 0, 0}}), 4);
     m03DVector* poly = c.approximate(0.3, 0.3, 0.01);
@@ -98,7 +69,7 @@ TEST(M0BspCurveApproximate, EqualStartAndEnd_GivesTwoPoints)
     delete poly;
 }
 
-TEST(M0BspCurveApproximate, AllSampledPointsCoincide_GivesTwoPoints)
+TEST(m0BspCurve, Approximate_AllSampledPointsCoincide_GivesTwoPoints)
 {
     m0BspCurve c(points_of({{1, 2, 3}, {1, 2, 3}, {1, 2, 3}, {1, 2, 3}, {1, 2, 3}, {1, 2, 3}, {1, 2, 3}}), 4);
     m03DVector* poly = c.approximate(0.01);
@@ -108,7 +79,7 @@ TEST(M0BspCurveApproximate, AllSampledPointsCoincide_GivesTwoPoints)
     delete poly;
 }
 
-TEST(M0BspCurveApproximate, RangeWiderThanKnots_FollowsTheStraightContinuations)
+TEST(m0BspCurve, Approximate_RangeWiderThanKnots_FollowsTheStraightContinuations)
 {
     // As the foot-model limit curves use it: -0.25 .. 1.25 on a 0 .. 1 curve.
     m0BspCurve c(points_of({{0, 0, 0}, {1, 3, 0}, {2, 3, 0}, {3, 0, 0}}), 4);
@@ -121,7 +92,7 @@ TEST(M0BspCurveApproximate, RangeWiderThanKnots_FollowsTheStraightContinuations)
     delete poly;
 }
 
-TEST(M0BspCurveApproximate, ToleranceUnreachableInASpan_SpanAbandonedWithoutItsEnd)
+TEST(m0BspCurve, Approximate_ToleranceUnreachableInASpan_SpanAbandonedWithoutItsEnd)
 {
     // The first piece is a straight, evenly parametrised line; the second
     // bends so hard that no step of 1e-7 or more meets the tolerance.
@@ -136,7 +107,7 @@ TEST(M0BspCurveApproximate, ToleranceUnreachableInASpan_SpanAbandonedWithoutItsE
     delete poly;
 }
 
-TEST(M0BspCurveApproximate, StepThatNoLongerMovesTheParameter_AbandonsTheSpan)
+TEST(m0BspCurve, Approximate_StepThatNoLongerMovesTheParameter_AbandonsTheSpan)
 {
     // Near 1e12 parameters are 1.2e-4 apart: a step between 1e-7 and that is
     // accepted without moving on. The walk must end all the same.
@@ -148,7 +119,7 @@ TEST(M0BspCurveApproximate, StepThatNoLongerMovesTheParameter_AbandonsTheSpan)
     delete c;
 }
 
-TEST(M0BspCurveApproximate, MoreStepsThanTheBound_StopsAtTheBound)
+TEST(m0BspCurve, Approximate_MoreStepsThanTheBound_StopsAtTheBound)
 {
     // A zigzag of 600000 straight spans takes two steps each: 1.2 million
     // steps, more than the walk accepts. It stops after a million, every one
@@ -169,7 +140,7 @@ TEST(M0BspCurveApproximate, MoreStepsThanTheBound_StopsAtTheBound)
     delete c;
 }
 
-TEST(M0BspCurveApproximate, CurveWithoutKnots_GivesTwoOrigins)
+TEST(m0BspCurve, Approximate_CurveWithoutKnots_GivesTwoOrigins)
 {
     m0BspCurve empty;
     m03DVector* poly = empty.approximate(0.1);
@@ -179,7 +150,7 @@ TEST(M0BspCurveApproximate, CurveWithoutKnots_GivesTwoOrigins)
     delete poly;
 }
 
-TEST(M0BspCurveApproximate, SimplifyParamVector_CollapsesRunsOfEqualValues)
+TEST(m0BspCurve, Approximate_SimplifyParamVector_CollapsesRunsOfEqualValues)
 {
     m01DVector* in = values_of({0, 0, 0, 1, 1});
     m01DVector* out = m0BspCurveTestAccess::simplify(in);
@@ -191,7 +162,7 @@ TEST(M0BspCurveApproximate, SimplifyParamVector_CollapsesRunsOfEqualValues)
     delete in;
 }
 
-TEST(M0BspCurveApproximate, SimplifyParamVector_EmptyGivesOneValueAndNullGivesNull)
+TEST(m0BspCurve, Approximate_SimplifyParamVector_EmptyGivesOneValueAndNullGivesNull)
 {
     EXPECT_EQ(m0BspCurveTestAccess::simplify(nullptr), nullptr);
     m01DVector empty(0);
