@@ -26,18 +26,6 @@ constexpr int white_shown_as = 240;
 // A grey level copied into the red, green and blue bytes: 0x00gggggg.
 constexpr int grey_to_rgb = 65793;
 
-// A record handle over rec, or null (and rec deleted) when it cannot be had.
-template <class Record>
-vmiObject* wrap(Record* rec)
-{
-    if (!rec)
-        return nullptr;
-    vmiObject* object = new (std::nothrow) vmiObject(rec);
-    if (!object)
-        delete rec;
-    return object;
-}
-
 } // namespace
 
 vmiObject* vmiFile::create_triblock_from_pscs()
@@ -51,7 +39,7 @@ vmiObject* vmiFile::create_triblock_from_pscs()
         delete grid;
         return nullptr;
     }
-    return wrap(rec);
+    return vmiObject::wrap(rec);
 }
 
 vmiObject* vmiFile::create_cloud_from_pcim()
@@ -98,5 +86,5 @@ vmiObject* vmiFile::create_cloud_from_pcim()
         delete[] colours;
         return nullptr;
     }
-    return wrap(rec);
+    return vmiObject::wrap(rec);
 }

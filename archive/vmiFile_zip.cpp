@@ -7,6 +7,7 @@
 #include <memory>
 #include <new>
 #include <vector>
+#include <zlib.h>
 
 #include "archive/vmiFile.h"
 #include "host/zlib_interface.h"
@@ -75,7 +76,7 @@ std::int64_t vmiFile::input_limit(std::int64_t budget)
 {
     if (budget <= 0)
         return 0;
-    return budget + (budget >> 12) + (budget >> 14) + (budget >> 25) + 13 + inflate_slack;
+    return static_cast<std::int64_t>(compressBound(static_cast<uLong>(budget))) + inflate_slack;
 }
 
 char* vmiFile::extract_all_ZIP(std::istream& in, int& len)

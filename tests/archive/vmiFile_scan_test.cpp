@@ -13,6 +13,7 @@
 #include "archive/vmiObject.h"
 #include "curves/m03DPoint.h"
 #include "host/qorResourceTable.h"
+#include "tests/support/optionScope.h"
 #include "tests/support/vlmWriter.h"
 
 namespace {
@@ -47,18 +48,6 @@ void run_catalogue(vmiFile& f, bool with_root)
     f.catalogue().free();
     f.archive().free();
 }
-
-class option_set {
-public:
-    option_set(const char* key, int value) : key_(utString(key))
-    {
-        qor_resource_table_inquire()->set_bool(key_, value);
-    }
-    ~option_set() { qor_resource_table_inquire()->set_bool(key_, 1); }
-
-private:
-    utBoolcoResourceKey key_;
-};
 
 vlm::scan_image image(int width, int height, std::vector<std::uint8_t> pixels)
 {

@@ -1,6 +1,7 @@
 // The chunk chain of a data entry: joining, the fixed bounds, hostile headers.
 #include <sstream>
 #include <string>
+#include <zlib.h>
 
 #include <gtest/gtest.h>
 
@@ -242,6 +243,8 @@ TEST(ExtractAllZip, InputLimitCoversTheLargestStreamOfTheBudget)
     // zlib never makes a stream of n bytes longer than compressBound(n).
     const std::string data = pattern(5000);
     EXPECT_GE(vmiFile::input_limit(5000), static_cast<std::int64_t>(vlm::zlib_compress(data, 0).size()));
+    for (std::int64_t n : {std::int64_t(1), std::int64_t(5000), std::int64_t(vmiFile::max_entry_bytes)})
+        EXPECT_GE(vmiFile::input_limit(n), static_cast<std::int64_t>(compressBound(static_cast<uLong>(n))));
     EXPECT_EQ(vmiFile::input_limit(0), 0);
 }
 
