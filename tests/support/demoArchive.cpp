@@ -199,8 +199,8 @@ void first_fitting(design_plan& p)
     p.arch_line.heights = {2.0, 4.0, 2.0};
     p.arch_line.width = 14.0;
     // The pad: 4 mm, its egg-shaped outline wider towards the toes, a little
-    // to the inner side of the long axis. Its outline runs clockwise: the
-    // pad reverses it before it measures angles round the centre.
+    // to the inner side of the long axis, drawn clockwise from its point of
+    // greatest x.
     profiled_pad& pad = p.pad;
     const point2 c = p.at(0.63, -4.0);
     pad.centre = {tenth(c.x), tenth(c.y)};
