@@ -4,7 +4,14 @@
 // archive as its catalogue lays it out: one patient, two visits, each with a
 // scan group of a left and a right scan and their pictures and a model group
 // of a left and a right insole, each insole finished.
+//
+// The designs use every height section between them. Each section's effect
+// is measured against the same archive written without that section, both
+// read with the plug-in's reader: the difference of the finished insoles is
+// what the section did, where the design puts it.
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -15,6 +22,13 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "archive/vmiFile.h"
+#include "archive/vmiNode.h"
+#include "archive/vmiObjGrid.h"
+#include "archive/vmiObject.h"
+#include "contour/vmiVelmcontur.h"
+#include "grid/vmiBaseGrid.h"
+#include "tests/support/demoArchive.h"
 #include "tests/support/vlmWriter.h"
 
 using nlohmann::json;
@@ -217,4 +231,336 @@ TEST_F(Demo, ConvertsToEveryFormat)
         EXPECT_GT(std::filesystem::file_size(out, ec), 10000u) << ext;
         std::remove(out.c_str());
     }
+}
+
+// ---------------------------------------------------------------------------
+// What the height sections do to the finished insoles
+
+namespace {
+
+using vlm::demo::design_plan;
+using vlm::demo::point2;
+
+// The demo archive read with the plug-in's reader, written without the
+// sections named (none: the archive as the demo ships it).
+class read_demo {
+public:
+    explicit read_demo(const std::vector<std::string>& without = {})
+    {
+        const std::string path = vlm::temp_path("demo_without.vlm");
+        ok_ = vlm::demo::write_archive(path, without) && file_.read(utString(path)) == 1;
+        std::remove(path.c_str());
+    }
+    bool ok() const { return ok_; }
+    vmiFile& file() { return file_; }
+    vmiBaseGrid* grid(const design_plan& p)
+    {
+        vmiObject* o = file_.find_obj(utString(p.finished_model));
+        return o && o->grid() ? o->grid()->grid() : nullptr;
+    }
+
+private:
+    vmiFile file_;
+    bool ok_ = false;
+};
+
+// The finished insole's height at the node nearest to p.
+double height_at(vmiBaseGrid& g, const design_plan& p, const point2& at)
+{
+    return g.point(static_cast<int>(std::lround(at.x / p.grid_spacing)),
+                   static_cast<int>(std::lround(at.y / p.grid_spacing)))
+        .z();
+}
+
+// The full archive and the one without a section, with the plans of the
+// designs that use it.
+struct comparison {
+    read_demo with;
+    read_demo without;
+    std::vector<design_plan> plans;
+
+    explicit comparison(const std::string& section) : without({section})
+    {
+        for (const design_plan& p : vlm::demo::design_plans())
+            if (p.uses(section))
+                plans.push_back(p);
+    }
+    bool ok() { return with.ok() && without.ok() && !plans.empty(); }
+    // What the section added at a point of design p.
+    double added(const design_plan& p, const point2& at)
+    {
+        vmiBaseGrid* a = with.grid(p);
+        vmiBaseGrid* b = without.grid(p);
+        if (!a || !b)
+            return std::nan("");
+        return height_at(*a, p, at) - height_at(*b, p, at);
+    }
+};
+
+// Nodes of the finished insole that carry its surface: not the walls and the
+// floor (the first columns), not the low fill of the rim.
+constexpr int wall_columns = 10;
+constexpr double rim_fill = 0.25;
+bool surface(vmiBaseGrid& g, int i, int j)
+{
+    return i >= wall_columns && i < g.x_size() && j >= 0 && j < g.y_size() && g.point(i, j).z() > rim_fill;
+}
+
+// A node at least `margin` nodes inside the surface every way: smoothing
+// also lifts the nodes on the insole's edge, which is not what is measured.
+bool interior(vmiBaseGrid& g, int i, int j, int margin)
+{
+    for (int b = j - margin; b <= j + margin; ++b)
+        for (int a = i - margin; a <= i + margin; ++a)
+            if (!surface(g, a, b))
+                return false;
+    return true;
+}
+
+// The largest size of the discrete Laplacian over the interior nodes of rows
+// from_row ... to_row: the sharpest bend of the surface.
+double sharpest_bend(vmiBaseGrid& g, int from_row, int to_row)
+{
+    constexpr int edge_margin = 5;
+    double sharpest = 0.0;
+    for (int j = from_row; j <= to_row; ++j)
+        for (int i = wall_columns; i < g.x_size(); ++i) {
+            if (!interior(g, i, j, edge_margin))
+                continue;
+            const double z = g.point(i, j).z();
+            sharpest = std::max(sharpest, std::fabs(g.point(i - 1, j).z() + g.point(i + 1, j).z() +
+                                                    g.point(i, j - 1).z() + g.point(i, j + 1).z() - 4.0 * z));
+        }
+    return sharpest;
+}
+
+int row_of(const design_plan& p, double y) { return static_cast<int>(std::lround(y / p.grid_spacing)); }
+
+} // namespace
+
+TEST(DemoDesigns, UseEveryHeightSectionBetweenThemAndTheReaderReadsEach)
+{
+    read_demo demo;
+    ASSERT_TRUE(demo.ok());
+    const std::vector<design_plan> plans = vlm::demo::design_plans();
+    ASSERT_EQ(plans.size(), 4u);
+    for (const std::string& section : vlm::demo::height_sections())
+        EXPECT_TRUE(plans[0].uses(section) || plans[2].uses(section)) << section;
+    // Both feet of a visit have the same modifications, mirrored.
+    EXPECT_EQ(plans[0].sections, plans[1].sections);
+    EXPECT_EQ(plans[2].sections, plans[3].sections);
+    const char* models[4] = {"MODEL_(LEFT)_2024-03-04", "MODEL_(RIGHT)_2024-03-04", "MODEL_(LEFT)_2024-09-16",
+                             "MODEL_(RIGHT)_2024-09-16"};
+    for (int k = 0; k < 4; ++k) {
+        vmiNode* node = demo.file().find_node(utString(models[k]));
+        ASSERT_NE(node, nullptr) << models[k];
+        ASSERT_NE(node->velmcontur(), nullptr) << models[k];
+        std::vector<std::string> read;
+        for (const utString& name : node->velmcontur()->sections())
+            read.push_back(name.str());
+        std::vector<std::string> expected = {"Kerneldata", "Rohlingsdaten", "HContour2"};
+        expected.insert(expected.end(), plans[k].sections.begin(), plans[k].sections.end());
+        EXPECT_EQ(read, expected) << models[k];
+    }
+}
+
+TEST(DemoDesigns, MetatarsalPadRisesByAboutItsHeightAtItsCentreAndFallsToItsOutline)
+{
+    comparison c("HPelotte");
+    ASSERT_TRUE(c.ok());
+    for (const design_plan& p : c.plans) {
+        const vlm::demo::profiled_pad& pad = p.pad;
+        const double centre = c.added(p, pad.centre);
+        // Its own smoothing and the insole's take a little off the top.
+        EXPECT_NEAR(centre, pad.height, 0.5) << p.finished_model;
+        // A bump, not a spike or a hole: lower half way out, nothing beyond.
+        const double half = c.added(p, {pad.centre.x, pad.centre.y + 0.5 * pad.half_length});
+        EXPECT_GT(half, 0.3 * pad.height) << p.finished_model;
+        EXPECT_LT(half, 0.9 * centre) << p.finished_model;
+        const double rim = c.added(p, {pad.centre.x, pad.centre.y + 0.9 * pad.half_length});
+        EXPECT_GE(rim, 0.0) << p.finished_model;
+        EXPECT_LT(rim, half) << p.finished_model;
+        EXPECT_EQ(c.added(p, {pad.centre.x, pad.centre.y + pad.half_length + 5.0}), 0.0) << p.finished_model;
+        EXPECT_EQ(c.added(p, {pad.centre.x + pad.half_width + 5.0, pad.centre.y}), 0.0) << p.finished_model;
+    }
+}
+
+TEST(DemoDesigns, StockPadRisesByItsMatrixHeightAtItsCentreOnly)
+{
+    comparison c("HPelotteS");
+    ASSERT_TRUE(c.ok());
+    for (const design_plan& p : c.plans) {
+        const vlm::demo::matrix_pad& pad = p.stock_pad;
+        // The matrix's cells are placed on the nearest nodes: the node at the
+        // centre takes one of the cells next to the dome's top.
+        EXPECT_NEAR(c.added(p, pad.centre), pad.height, 0.2) << p.finished_model;
+        const double reach = 0.5 * pad.rows * pad.cell + 5.0;
+        EXPECT_EQ(c.added(p, {pad.centre.x, pad.centre.y + reach}), 0.0) << p.finished_model;
+        EXPECT_EQ(c.added(p, {pad.centre.x, pad.centre.y - reach}), 0.0) << p.finished_model;
+    }
+}
+
+TEST(DemoDesigns, ArchLineRaisesTheInnerArchByItsStationHeights)
+{
+    comparison c("HPlinie");
+    ASSERT_TRUE(c.ok());
+    for (const design_plan& p : c.plans) {
+        const vlm::demo::line_support& line = p.arch_line;
+        for (std::size_t k = 0; k < line.stations.size(); ++k)
+            EXPECT_NEAR(c.added(p, line.stations[k]), line.heights[k], 0.6) << p.finished_model << " station " << k;
+        // Nothing beyond its width towards the middle of the foot.
+        const point2 mid = line.stations[1];
+        const double inward = p.s == vlm::demo::side::right ? 1.0 : -1.0;
+        EXPECT_EQ(c.added(p, {mid.x + inward * (line.width + 5.0), mid.y}), 0.0) << p.finished_model;
+    }
+}
+
+TEST(DemoDesigns, PointSupportRaisesTheCuboidRegionByItsHeight)
+{
+    comparison c("HPunkt");
+    ASSERT_TRUE(c.ok());
+    for (const design_plan& p : c.plans) {
+        const vlm::demo::point_support& s = p.cuboid_support;
+        EXPECT_NEAR(c.added(p, s.centre), s.height, 0.1) << p.finished_model;
+        const double half = c.added(p, {s.centre.x, s.centre.y + 0.5 * s.r1});
+        EXPECT_GT(half, 0.2 * s.height) << p.finished_model;
+        EXPECT_LT(half, 0.9 * s.height) << p.finished_model;
+        EXPECT_EQ(c.added(p, {s.centre.x, s.centre.y + s.r1 + 4.0}), 0.0) << p.finished_model;
+    }
+}
+
+TEST(DemoDesigns, TorsionTiltsTheInnerForefootByAFewDegrees)
+{
+    comparison c("HTorsion");
+    ASSERT_TRUE(c.ok());
+    for (const design_plan& p : c.plans) {
+        const vlm::demo::torsion& t = p.forefoot_torsion;
+        const double y = t.middle_y;
+        const double inward = p.s == vlm::demo::side::right ? -1.0 : 1.0;
+        // On the middle line the lift grows linearly from the axis to the
+        // insole's inner edge, where it reaches the torsion's value.
+        const double reach = std::fabs(p.inner_edge(y) - t.axis_x);
+        EXPECT_NEAR(c.added(p, {t.axis_x, y}), 0.0, 0.1) << p.finished_model;
+        const double near = c.added(p, {t.axis_x + inward * 10.0, y});
+        const double far = c.added(p, {t.axis_x + inward * 30.0, y});
+        EXPECT_NEAR(near, t.value * 10.0 / reach, 0.1) << p.finished_model;
+        EXPECT_NEAR(far, t.value * 30.0 / reach, 0.1) << p.finished_model;
+        const double degrees = std::atan((far - near) / 20.0) * 180.0 / std::acos(-1.0);
+        EXPECT_GT(degrees, 2.0) << p.finished_model;
+        EXPECT_LT(degrees, 6.0) << p.finished_model;
+        // The outer side and the midfoot are left alone.
+        EXPECT_EQ(c.added(p, {t.axis_x - inward * 20.0, y}), 0.0) << p.finished_model;
+        EXPECT_EQ(c.added(p, {t.axis_x + inward * 20.0, t.lower_y - 5.0}), 0.0) << p.finished_model;
+    }
+}
+
+TEST(DemoDesigns, SpringBandLiftsTheHeelByItsHeightAndTheForefootByHalfAMillimetre)
+{
+    comparison c("HSpreng");
+    ASSERT_TRUE(c.ok());
+    for (const design_plan& p : c.plans) {
+        EXPECT_NEAR(c.added(p, p.at(0.15, 0.0)), -p.spring.z2, 1e-9) << p.finished_model;
+        EXPECT_NEAR(c.added(p, p.at(0.80, 0.0)), 0.5, 1e-9) << p.finished_model;
+        const double band = c.added(p, p.at(0.45, 0.0));
+        EXPECT_GT(band, 0.5) << p.finished_model;
+        EXPECT_LT(band, -p.spring.z2) << p.finished_model;
+    }
+}
+
+TEST(DemoDesigns, SpringProfileLiftsEveryRowByTheProfileAtItsStations)
+{
+    comparison c("HSprenglinie");
+    ASSERT_TRUE(c.ok());
+    for (const design_plan& p : c.plans) {
+        vmiBaseGrid* g = c.with.grid(p);
+        ASSERT_NE(g, nullptr);
+        const double first_row = *std::min_element(p.insole_y.begin(), p.insole_y.end()) / p.grid_spacing;
+        for (std::size_t k = 0; k < p.spring_profile.hpos.size(); ++k) {
+            const double y = (std::ceil(first_row) + p.spring_profile.hpos[k]) * p.grid_spacing;
+            // Away from the pads and the rim, across the whole row alike.
+            const double at_axis = c.added(p, {p.centre_x, y});
+            EXPECT_NEAR(at_axis, p.spring_profile.hsel[k], 0.3) << p.finished_model << " station " << k;
+        }
+        const int heel = row_of(p, p.at(0.15, 0.0).y);
+        const double lift = c.added(p, p.at(0.15, 0.0));
+        for (double across : {-20.0, -10.0, 10.0, 20.0})
+            EXPECT_NEAR(c.added(p, p.at(0.15, across)), lift, 1e-9) << p.finished_model << " row " << heel;
+    }
+}
+
+TEST(DemoDesigns, ToeBedIsLevelBeyondTheToeLine)
+{
+    comparison c("HFFootMod");
+    ASSERT_TRUE(c.ok());
+    for (const design_plan& p : c.plans) {
+        // The outer half of a row under the toes (the torsion lifts the inner
+        // half), clear of the rim.
+        const double y = p.at(0.93, 0.0).y;
+        const double outer = p.outer_edge(y);
+        auto spread = [&](read_demo& r) {
+            vmiBaseGrid* g = r.grid(p);
+            double lo = 1e9, hi = -1e9;
+            for (double x = std::min(p.centre_x, outer); x <= std::max(p.centre_x, outer); x += 1.0) {
+                if (std::fabs(x - outer) < 3.0)
+                    continue;
+                const double z = height_at(*g, p, {x, y});
+                lo = std::min(lo, z);
+                hi = std::max(hi, z);
+            }
+            return hi - lo;
+        };
+        EXPECT_LT(spread(c.with), 0.2) << p.finished_model;
+        EXPECT_GT(spread(c.without), 1.0) << p.finished_model;
+        // Before the line the foot model changes nothing.
+        EXPECT_NEAR(c.added(p, p.at(0.40, 0.0)), 0.0, 1e-9) << p.finished_model;
+    }
+}
+
+TEST(DemoDesigns, SmoothingRoundsOffTheSharpestBendWhereItActs)
+{
+    comparison c("HGlaett");
+    ASSERT_TRUE(c.ok());
+    for (const design_plan& p : c.plans) {
+        vmiBaseGrid* a = c.with.grid(p);
+        vmiBaseGrid* b = c.without.grid(p);
+        ASSERT_TRUE(a && b);
+        const bool band = p.smooth.lower_y >= 0.0;
+        const int from = band ? row_of(p, p.smooth.lower_y) + p.smooth.factor : 0;
+        const int to = a->y_size() - 1;
+        EXPECT_LT(sharpest_bend(*a, from, to), 0.5 * sharpest_bend(*b, from, to)) << p.finished_model;
+        // A band leaves the heel as it was.
+        if (band) {
+            EXPECT_EQ(c.added(p, p.at(0.15, 0.0)), 0.0) << p.finished_model;
+        }
+    }
+}
+
+TEST(DemoDesigns, GlobalPlacementPutsTheLowestPointAtItsMinimumAndShiftsTheWholeInsole)
+{
+    comparison c("HGloba");
+    ASSERT_TRUE(c.ok());
+    for (const design_plan& p : c.plans) {
+        vmiBaseGrid* g = c.with.grid(p);
+        ASSERT_NE(g, nullptr);
+        double lowest = 1e9;
+        for (int j = 0; j < g->y_size(); ++j)
+            for (int i = 0; i < g->x_size(); ++i)
+                if (surface(*g, i, j))
+                    lowest = std::min(lowest, g->point(i, j).z());
+        // The smoothing of the toes, after the placement, may touch it.
+        EXPECT_NEAR(lowest, p.global_min_z, 0.01) << p.finished_model;
+        const double shift = c.added(p, p.at(0.15, 0.0));
+        EXPECT_GT(shift, 0.0) << p.finished_model;
+        EXPECT_NEAR(c.added(p, p.at(0.40, 10.0)), shift, 1e-9) << p.finished_model;
+        EXPECT_NEAR(c.added(p, p.stock_pad.centre), shift, 1e-9) << p.finished_model;
+    }
+}
+
+TEST(DemoDesigns, DeductionLowersTheWholeInsoleByTheCoversThickness)
+{
+    comparison c("HAbzug");
+    ASSERT_TRUE(c.ok());
+    for (const design_plan& p : c.plans)
+        for (const point2& at : {p.at(0.15, 0.0), p.pad.centre, p.arch_line.stations[1], p.at(0.85, 10.0)})
+            EXPECT_NEAR(c.added(p, at), -p.deduction, 1e-9) << p.finished_model;
 }
