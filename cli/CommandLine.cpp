@@ -3,10 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
-#include "cli/ConvertCommand.h"
-#include "cli/DumpCommand.h"
+#include "cli/commands/ConvertCommand.h"
+#include "cli/commands/DumpCommand.h"
 #include "cli/ExitCode.h"
-#include "cli/ListingCommand.h"
+#include "cli/commands/ListingCommand.h"
 
 #ifndef VELMORA_VERSION
 #define VELMORA_VERSION "unknown"

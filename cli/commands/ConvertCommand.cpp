@@ -1,4 +1,4 @@
-#include "cli/ConvertCommand.h"
+#include "cli/commands/ConvertCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -12,13 +12,13 @@
 
 #include "cli/CommandInputs.h"
 #include "cli/ExitCode.h"
-#include "cli/GltfWriter.h"
-#include "cli/ObjWriter.h"
-#include "cli/PlyWriter.h"
+#include "cli/writers/GltfWriter.h"
+#include "cli/writers/ObjWriter.h"
+#include "cli/writers/PlyWriter.h"
 #include "cli/PluginImport.h"
 #include "cli/ReadDiagnosis.h"
-#include "cli/SceneCollector.h"
-#include "cli/StlWriter.h"
+#include "cli/writers/SceneCollector.h"
+#include "cli/writers/StlWriter.h"
 
 namespace {
 

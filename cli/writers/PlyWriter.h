@@ -10,7 +10,7 @@
 #include <ostream>
 #include <string>
 
-#include "cli/Scene.h"
+#include "cli/writers/Scene.h"
 
 class PlyWriter {
 public:

@@ -12,7 +12,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "cli/Scene.h"
+#include "cli/writers/Scene.h"
 #include "host/qorabsOutputSink.h"
 
 class SceneCollector : public qorabsOutputSink {

@@ -1,4 +1,4 @@
-#include "cli/StlWriter.h"
+#include "cli/writers/StlWriter.h"
 
 #include <bit>
 #include <cmath>

@@ -7,7 +7,7 @@
 #include <ostream>
 #include <string>
 
-#include "cli/Scene.h"
+#include "cli/writers/Scene.h"
 
 class StlWriter {
 public:

@@ -1,10 +1,10 @@
-#include "cli/ObjWriter.h"
+#include "cli/writers/ObjWriter.h"
 
 #include <array>
 #include <cstdint>
 
-#include "cli/ColourPalette.h"
-#include "cli/SceneText.h"
+#include "cli/writers/ColourPalette.h"
+#include "cli/writers/SceneText.h"
 
 namespace {
 

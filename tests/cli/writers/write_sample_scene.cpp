@@ -5,11 +5,11 @@
 #include <iostream>
 #include <string>
 
-#include "cli/GltfWriter.h"
-#include "cli/ObjWriter.h"
-#include "cli/PlyWriter.h"
-#include "cli/StlWriter.h"
-#include "tests/cli/SampleScene.h"
+#include "cli/writers/GltfWriter.h"
+#include "cli/writers/ObjWriter.h"
+#include "cli/writers/PlyWriter.h"
+#include "cli/writers/StlWriter.h"
+#include "tests/cli/writers/SampleScene.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "cli/ListingCommand.h"
+#include "cli/commands/ListingCommand.h"
 
 #include <cerrno>
 #include <algorithm>

@@ -1,13 +1,13 @@
-#include "cli/PlyWriter.h"
+#include "cli/writers/PlyWriter.h"
 
 #include <bit>
 #include <cstring>
 #include <limits>
 #include <vector>
 
-#include "cli/ColourPalette.h"
-#include "cli/ObjWriter.h"
-#include "cli/SceneText.h"
+#include "cli/writers/ColourPalette.h"
+#include "cli/writers/ObjWriter.h"
+#include "cli/writers/SceneText.h"
 
 static_assert(std::endian::native == std::endian::little, "PLY is written little-endian byte for byte");
 

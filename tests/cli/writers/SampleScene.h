@@ -2,10 +2,15 @@
 // A small scene built by hand, shaped like an import: nested groups with
 // placements (one turned a quarter about z), a triangle mesh with colour
 // index 3, a coloured point cloud, a rational cubic curve with colour index 6
-// and a polyline. The writer tests and the external validation use it.
+// and a polyline. The writer tests and the external validation use it, and
+// the writer tests read what a writer gave with the helpers at the end.
 #include <cmath>
+#include <cstring>
+#include <ostream>
+#include <sstream>
+#include <string>
 
-#include "cli/Scene.h"
+#include "cli/writers/Scene.h"
 
 namespace sample_scene {
 
@@ -99,6 +104,24 @@ inline Scene scene()
     root.add(std::move(models));
     s.top.add(std::move(root));
     return s;
+}
+
+// What a text or binary writer of the form write(scene, scale, out) gave, or
+// empty when it gave a reason instead.
+inline std::string written(std::string (*write)(const Scene&, double, std::ostream&), const Scene& s,
+                           double scale)
+{
+    std::ostringstream out;
+    return write(s, scale, out).empty() ? out.str() : std::string();
+}
+
+// The value of type T at offset in a binary file's bytes, as the machine holds it.
+template <class T>
+T read_at(const std::string& bytes, std::size_t offset)
+{
+    T v{};
+    std::memcpy(&v, bytes.data() + offset, sizeof(T));
+    return v;
 }
 
 } // namespace sample_scene

@@ -1,7 +1,7 @@
 // `velmora convert` through the command line, with a stand-in plug-in loaded
 // by dlopen as the real one is (VELMORA_PLUGIN names it): exit statuses, the
 // one-line diagnostics, options reaching the plug-in, and each format written.
-#include "cli/ConvertCommand.h"
+#include "cli/commands/ConvertCommand.h"
 
 #include <gtest/gtest.h>
 #include <tiny_gltf.h>

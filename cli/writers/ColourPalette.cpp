@@ -1,4 +1,4 @@
-#include "cli/ColourPalette.h"
+#include "cli/writers/ColourPalette.h"
 
 namespace {
 

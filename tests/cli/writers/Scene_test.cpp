@@ -1,14 +1,13 @@
 // The neutral scene of `velmora convert`: placements, the placed items of the
-// tree, curve sampling and the colour palette.
-#include "cli/Scene.h"
+// tree and curve sampling.
+#include "cli/writers/Scene.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 
-#include "cli/ColourPalette.h"
-#include "tests/cli/SampleScene.h"
+#include "tests/cli/writers/SampleScene.h"
 
 namespace {
 
@@ -173,19 +172,4 @@ TEST(ScenePointCloud, Colour_IsWhiteWhereTheColoursStopShort)
     c.colours.resize(1);
     EXPECT_EQ(c.colour(0), (std::array<std::uint8_t, 3>{255, 0, 0}));
     EXPECT_EQ(c.colour(2), (std::array<std::uint8_t, 3>{255, 255, 255}));
-}
-
-TEST(ColourPalette, Colour_FinishedModelIsGreenAndOutlinesMagenta)
-{
-    EXPECT_EQ(ColourPalette::colour(3), (ColourPalette::Rgb{0, 255, 0}));
-    EXPECT_EQ(ColourPalette::colour(6), (ColourPalette::Rgb{255, 0, 255}));
-}
-
-TEST(ColourPalette, Colour_NoIndexAndUnknownIndicesAreTheFallback)
-{
-    EXPECT_EQ(ColourPalette::colour(SceneItemInfo::no_colour), ColourPalette::fallback);
-    EXPECT_EQ(ColourPalette::colour(ColourPalette::size), ColourPalette::fallback);
-    EXPECT_EQ(ColourPalette::colour(-12345), ColourPalette::fallback);
-    EXPECT_FALSE(ColourPalette::known(ColourPalette::size));
-    EXPECT_TRUE(ColourPalette::known(0));
 }

@@ -1,4 +1,4 @@
-#include "cli/DumpSink.h"
+#include "cli/dump/DumpSink.h"
 
 DumpItem& DumpSink::add(DumpItem::Kind kind, const qorabsAttributeSet& attrs, const utString& mangled)
 {

@@ -1,4 +1,4 @@
-#include "cli/DumpWriter.h"
+#include "cli/dump/DumpWriter.h"
 
 #include <array>
 #include <bit>

@@ -1,4 +1,4 @@
-#include "cli/SceneCollector.h"
+#include "cli/writers/SceneCollector.h"
 
 #include <cmath>
 #include <utility>

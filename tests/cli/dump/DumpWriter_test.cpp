@@ -1,10 +1,16 @@
 // The dump of hand-built translator trees: the exact JSON of a small tree
-// walked as a host walks it, the document around it, and the rules for
-// colours, failures, non-finite numbers and names that are not UTF-8.
+// walked as a host walks it, the document around it, the rules for colours,
+// failures, non-finite numbers and names that are not UTF-8, and the summary
+// form: every geometry array as {count, min, max, sha256}, the digest taken of
+// the bytes the text names (float64 and int32 little-endian, one byte per
+// colour component), built here independently.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <sstream>
@@ -17,8 +23,9 @@
 #include "archive/vmiObjPoly.h"
 #include "archive/vmiObjSpline.h"
 #include "archive/vmiObject.h"
-#include "cli/DumpSink.h"
-#include "cli/DumpWriter.h"
+#include "cli/Sha256.h"
+#include "cli/dump/DumpSink.h"
+#include "cli/dump/DumpWriter.h"
 #include "cli/JsonWriter.h"
 #include "curves/m03DPoint.h"
 #include "curves/m03DVector.h"
@@ -115,9 +122,40 @@ std::unique_ptr<DumpSink> walk(qorabsTranslator& t)
 const double not_a_number = std::numeric_limits<double>::quiet_NaN();
 const double infinity = std::numeric_limits<double>::infinity();
 
+static_assert(std::endian::native == std::endian::little, "the expected bytes are copied as the machine holds them");
+
+std::string f64_bytes(const std::vector<double>& v)
+{
+    std::string b(v.size() * 8, '\0');
+    if (!v.empty()) std::memcpy(b.data(), v.data(), b.size());
+    return b;
+}
+
+std::string i32_bytes(const std::vector<std::int32_t>& v)
+{
+    std::string b(v.size() * 4, '\0');
+    if (!v.empty()) std::memcpy(b.data(), v.data(), b.size());
+    return b;
+}
+
+std::string summary_json(const DumpItem& item)
+{
+    std::ostringstream out;
+    JsonWriter w(out, false);
+    DumpWriter(true, true).write_item(w, item);
+    w.finish();
+    return out.str();
+}
+
+std::string digest(int count, const std::string& min, const std::string& max, const std::string& bytes)
+{
+    return R"({"count":)" + std::to_string(count) + R"(,"min":)" + min + R"(,"max":)" + max +
+           R"(,"sha256":")" + Sha256::hex(bytes) + "\"}";
+}
+
 } // namespace
 
-TEST(DumpTree, SmallTree_ExactCompactText)
+TEST(DumpWriter, SmallTree_ExactCompactText)
 {
     SmallTree tree;
     const std::unique_ptr<DumpSink> sink = walk(*tree.root);
@@ -152,7 +190,7 @@ TEST(DumpTree, SmallTree_ExactCompactText)
     EXPECT_EQ(item_json(*sink->top()[0], false), expected);
 }
 
-TEST(DumpTree, Triblock_PrettyTextIndentsByTwoSpacesWithTriplesOnOneLine)
+TEST(DumpWriter, Triblock_PrettyTextIndentsByTwoSpacesWithTriplesOnOneLine)
 {
     SmallTree tree;
     const std::unique_ptr<DumpSink> sink = walk(*tree.root);
@@ -177,7 +215,7 @@ TEST(DumpTree, Triblock_PrettyTextIndentsByTwoSpacesWithTriplesOnOneLine)
     EXPECT_EQ(item_json(*sink->top()[0]->children[0]->children[0], true), expected);
 }
 
-TEST(DumpTree, Colour_KeyAbsentWhenTheTranslatorSetNone)
+TEST(DumpWriter, Colour_KeyAbsentWhenTheTranslatorSetNone)
 {
     object_ptr o = grid("plain", 2);
     qorabsContext context;
@@ -188,7 +226,7 @@ TEST(DumpTree, Colour_KeyAbsentWhenTheTranslatorSetNone)
     EXPECT_NE(text.find(R"("layer":{"level":0,"name":""},"status":0)"), std::string::npos);
 }
 
-TEST(DumpTree, PointCloud_NeverShowsAColourEvenWhenTheAttributeIsSet)
+TEST(DumpWriter, PointCloud_NeverShowsAColourEvenWhenTheAttributeIsSet)
 {
     DumpSink sink;
     qorabsAttributeSet attrs;
@@ -201,7 +239,7 @@ TEST(DumpTree, PointCloud_NeverShowsAColourEvenWhenTheAttributeIsSet)
               "\n");
 }
 
-TEST(DumpTree, FailedTriblock_ShowsEmptyArraysWhateverTheBlockHeld)
+TEST(DumpWriter, FailedTriblock_ShowsEmptyArraysWhateverTheBlockHeld)
 {
     giTriBlock block;
     block.features().ensure<giNodeXYZ>()->add(giPoint3(1, 2, 3));
@@ -213,7 +251,7 @@ TEST(DumpTree, FailedTriblock_ShowsEmptyArraysWhateverTheBlockHeld)
               "\n");
 }
 
-TEST(DumpTree, FailedCurve_OrderZeroNoPointsWeightsNullEvenWhenACurveCame)
+TEST(DumpWriter, FailedCurve_OrderZeroNoPointsWeightsNullEvenWhenACurveCame)
 {
     auto c = std::make_shared<rnxNurbCurve3>(2, 2);
     c->set_weight(0, 2.0);
@@ -225,7 +263,7 @@ TEST(DumpTree, FailedCurve_OrderZeroNoPointsWeightsNullEvenWhenACurveCame)
               "\n");
 }
 
-TEST(DumpTree, NonFiniteCoordinates_WrittenAsTheirStrings)
+TEST(DumpWriter, NonFiniteCoordinates_WrittenAsTheirStrings)
 {
     object_ptr o = polyline("odd", {m03DPoint(not_a_number, infinity, -infinity), m03DPoint(0.1, -0.0, 1e21)});
     qorabsContext context;
@@ -236,7 +274,7 @@ TEST(DumpTree, NonFiniteCoordinates_WrittenAsTheirStrings)
         << text;
 }
 
-TEST(DumpTree, NamesNotUtf8_EachStrayByteAsItsOwnEscapeAndCarriageReturnKept)
+TEST(DumpWriter, NamesNotUtf8_EachStrayByteAsItsOwnEscapeAndCarriageReturnKept)
 {
     // A Latin-1 group name with a carriage return, and a layer name in UTF-8.
     object_ptr o = grid("scan", 2);
@@ -249,27 +287,6 @@ TEST(DumpTree, NamesNotUtf8_EachStrayByteAsItsOwnEscapeAndCarriageReturnKept)
         << text;
     EXPECT_NE(text.find("\"mangled\":\"Kn\\u00f6chel\\r_scan\""), std::string::npos) << text;
     EXPECT_NE(text.find("\"layer\":{\"level\":10,\"name\":\"Fu\xc3\x9f\"}"), std::string::npos) << text;
-}
-
-TEST(DumpTree, Sink_NestsMembersInOrderAndIgnoresAnUnmatchedEnd)
-{
-    DumpSink sink;
-    qorabsAttributeSet none;
-    sink.end_group();
-    sink.begin_group(none, utString("a"), giXform3());
-    sink.begin_group(none, utString("b"), giXform3());
-    sink.end_group();
-    sink.curve(none, utString("c"), qorabsTranslationStatus(1), nullptr);
-    sink.end_group();
-    sink.end_group();
-    sink.begin_group(none, utString("d"), giXform3());
-    sink.end_group();
-    ASSERT_EQ(sink.top().size(), 2u);
-    const DumpItem& a = *sink.top()[0];
-    ASSERT_EQ(a.children.size(), 2u);
-    EXPECT_EQ(a.children[0]->mangled, "b");
-    EXPECT_EQ(a.children[1]->mangled, "c");
-    EXPECT_EQ(sink.top()[1]->mangled, "d");
 }
 
 namespace {
@@ -292,7 +309,7 @@ DumpDocument document(const std::vector<std::unique_ptr<DumpItem>>* top, int res
 
 } // namespace
 
-TEST(DumpTree, Document_KeysInOrderWithTheRootLast)
+TEST(DumpWriter, Document_KeysInOrderWithTheRootLast)
 {
     DumpSink sink;
     qorabsAttributeSet attrs;
@@ -333,7 +350,7 @@ TEST(DumpTree, Document_KeysInOrderWithTheRootLast)
                          "}\n");
 }
 
-TEST(DumpTree, Document_NothingImportedHasResultZeroNoTranslatorsAndNullRoot)
+TEST(DumpWriter, Document_NothingImportedHasResultZeroNoTranslatorsAndNullRoot)
 {
     std::ostringstream out;
     DumpWriter(false, true).write(out, document(nullptr, 0));
@@ -342,7 +359,7 @@ TEST(DumpTree, Document_NothingImportedHasResultZeroNoTranslatorsAndNullRoot)
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1);
 }
 
-TEST(DumpTree, Document_MissingIdentityStringsAndCategoryAreNull)
+TEST(DumpWriter, Document_MissingIdentityStringsAndCategoryAreNull)
 {
     DumpDocument doc;
     std::ostringstream out;
@@ -352,4 +369,110 @@ TEST(DumpTree, Document_MissingIdentityStringsAndCategoryAreNull)
                              R"("file_types":[],"extensions":[]})"),
               std::string::npos)
         << out.str();
+}
+
+TEST(DumpWriter, SummaryTriblock_VerticesAsFloat64TriplesTrianglesAsInt32)
+{
+    DumpItem t;
+    t.kind = DumpItem::triblock;
+    t.points = {giPoint3(1.5, -2, 0), giPoint3(-3, 4, 0.125), giPoint3(0, 0, 9)};
+    t.triangles = {giTriangle(0, 1, 2), giTriangle(2, 1, -7)};
+    const std::string expected =
+        R"({"type":"triblock","name":"","mangled":"","layer":null,"status":0,"vertices":)" +
+        digest(3, "[-3.0,-2.0,0.0]", "[1.5,4.0,9.0]", f64_bytes({1.5, -2, 0, -3, 4, 0.125, 0, 0, 9})) +
+        R"(,"triangles":)" + digest(2, "[0,1,-7]", "[2,1,2]", i32_bytes({0, 1, 2, 2, 1, -7})) + "}\n";
+    EXPECT_EQ(summary_json(t), expected);
+}
+
+TEST(DumpWriter, SummaryPointCloud_ColoursOneBytePerComponent)
+{
+    DumpItem p;
+    p.kind = DumpItem::pointcloud;
+    p.points = {giPoint3(1, 2, 3)};
+    p.colours = {giColour(0x10, 0xFF, 0, 0x55), giColour(0x20, 0x01, 0x80, 0)};
+    const std::string colour_bytes("\x10\xFF\x00\x20\x01\x80", 6);
+    const std::string expected =
+        R"({"type":"pointcloud","name":"","mangled":"","layer":null,"points":)" +
+        digest(1, "[1.0,2.0,3.0]", "[1.0,2.0,3.0]", f64_bytes({1, 2, 3})) + R"(,"colours":)" +
+        digest(2, "[16,1,0]", "[32,255,128]", colour_bytes) + "}\n";
+    EXPECT_EQ(summary_json(p), expected);
+}
+
+TEST(DumpWriter, SummaryCurve_KnotsAndWeightsAsSingleNumbers)
+{
+    auto c = std::make_shared<rnxNurbCurve3>(2, 2);
+    c->set_point(0, giPoint3(0, 0, 0));
+    c->set_point(1, giPoint3(1, 1, 1));
+    const std::vector<double> knots = {0, 0, 1, 1};
+    for (int i = 0; i < 4; ++i) c->set_knot(i, knots[static_cast<std::size_t>(i)]);
+    c->set_weight(1, 0.5);
+    DumpItem item;
+    item.kind = DumpItem::curve;
+    item.nurb = c;
+    const std::string expected =
+        R"({"type":"curve","name":"","mangled":"","layer":null,"status":0,"order":2,"points":)" +
+        digest(2, "[0.0,0.0,0.0]", "[1.0,1.0,1.0]", f64_bytes({0, 0, 0, 1, 1, 1})) + R"(,"weights":)" +
+        digest(2, "0.5", "1.0", f64_bytes({1.0, 0.5})) + R"(,"knots":)" +
+        digest(4, "0.0", "1.0", f64_bytes(knots)) + "}\n";
+    EXPECT_EQ(summary_json(item), expected);
+}
+
+TEST(DumpWriter, SummaryCurve_WeightsStayNullWhenNoneWasSet)
+{
+    DumpItem item;
+    item.kind = DumpItem::curve;
+    item.nurb = std::make_shared<rnxNurbCurve3>(4, 4);
+    const std::string text = summary_json(item);
+    EXPECT_NE(text.find(R"("weights":null,"knots":{"count":8,)"), std::string::npos) << text;
+}
+
+TEST(DumpWriter, SummaryFailedCurve_EmptyDigestsWithNullBoundsAndWeightsNull)
+{
+    DumpItem item;
+    item.kind = DumpItem::curve;
+    item.status = 1;
+    const std::string expected =
+        R"({"type":"curve","name":"","mangled":"","layer":null,"status":1,"order":0,"points":)" +
+        digest(0, "null", "null", "") + R"(,"weights":null,"knots":)" + digest(0, "null", "null", "") + "}\n";
+    EXPECT_EQ(summary_json(item), expected);
+}
+
+TEST(DumpWriter, SummaryMinMax_OverFiniteValuesOnlyAComponentWithNoneIsNull)
+{
+    DumpItem p;
+    p.kind = DumpItem::pointcloud;
+    p.points = {giPoint3(not_a_number, 1, infinity), giPoint3(not_a_number, -2, 5), giPoint3(-infinity, 0, 6)};
+    const std::string bytes =
+        f64_bytes({not_a_number, 1, infinity, not_a_number, -2, 5, -infinity, 0, 6});
+    const std::string text = summary_json(p);
+    EXPECT_NE(text.find(R"("points":)" + digest(3, "[null,-2.0,5.0]", "[null,1.0,6.0]", bytes)), std::string::npos)
+        << text;
+}
+
+TEST(DumpWriter, SummaryKnots_NoFiniteValueGivesNullBounds)
+{
+    auto c = std::make_shared<rnxNurbCurve3>(1, 2);
+    for (int i = 0; i < 3; ++i) c->set_knot(i, not_a_number);
+    DumpItem item;
+    item.kind = DumpItem::curve;
+    item.nurb = c;
+    const std::string text = summary_json(item);
+    EXPECT_NE(text.find(R"("knots":)" + digest(3, "null", "null", f64_bytes({not_a_number, not_a_number, not_a_number}))),
+              std::string::npos)
+        << text;
+}
+
+TEST(DumpWriter, SummaryGroup_PlacementAndNamesStayAsTheyAre)
+{
+    DumpItem g;
+    g.kind = DumpItem::group;
+    g.name = "G";
+    g.mangled = "G";
+    auto child = std::make_unique<DumpItem>();
+    child->kind = DumpItem::pointcloud;
+    g.children.push_back(std::move(child));
+    EXPECT_EQ(summary_json(g),
+              R"({"type":"group","name":"G","mangled":"G","xform":[1.0,0.0,0.0,0.0,0.0,1.0,0.0,0.0,0.0,0.0,1.0,0.0],)"
+              R"("children":[{"type":"pointcloud","name":"","mangled":"","layer":null,"points":)" +
+                  digest(0, "null", "null", "") + R"(,"colours":)" + digest(0, "null", "null", "") + "}]}\n");
 }

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "cli/DumpSink.h"
+#include "cli/dump/DumpSink.h"
 #include "cli/PluginIdentity.h"
 
 class JsonWriter;

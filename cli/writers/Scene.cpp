@@ -1,4 +1,4 @@
-#include "cli/Scene.h"
+#include "cli/writers/Scene.h"
 
 #include <algorithm>
 #include <cmath>

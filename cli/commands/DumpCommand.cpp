@@ -1,4 +1,4 @@
-#include "cli/DumpCommand.h"
+#include "cli/commands/DumpCommand.h"
 
 #include <CLI/CLI.hpp>
 
@@ -8,8 +8,8 @@
 #include <fstream>
 #include <system_error>
 
-#include "cli/DumpSink.h"
-#include "cli/DumpWriter.h"
+#include "cli/dump/DumpSink.h"
+#include "cli/dump/DumpWriter.h"
 #include "cli/CommandInputs.h"
 #include "cli/ExitCode.h"
 #include "cli/PluginIdentity.h"

@@ -1,4 +1,4 @@
-#include "cli/GltfWriter.h"
+#include "cli/writers/GltfWriter.h"
 
 #include <tiny_gltf.h>
 
@@ -8,7 +8,7 @@
 #include <limits>
 #include <map>
 
-#include "cli/ColourPalette.h"
+#include "cli/writers/ColourPalette.h"
 
 namespace {
 

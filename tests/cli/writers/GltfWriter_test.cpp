@@ -1,6 +1,7 @@
-// The file writers of `velmora convert` on a scene built by hand: what each
-// format keeps of names, hierarchy, placements and colours. The glTF files are
-// read back with tinygltf's own loader.
+// GltfWriter on a scene built by hand: what the file keeps of names,
+// hierarchy, placements and colours, read back with tinygltf's own loader.
+#include "cli/writers/GltfWriter.h"
+
 #include <gtest/gtest.h>
 #include <tiny_gltf.h>
 
@@ -8,37 +9,9 @@
 #include <cstring>
 #include <sstream>
 
-#include "cli/GltfWriter.h"
-#include "cli/ObjWriter.h"
-#include "cli/PlyWriter.h"
-#include "cli/StlWriter.h"
-#include "tests/cli/SampleScene.h"
+#include "tests/cli/writers/SampleScene.h"
 
 namespace {
-
-std::vector<std::string> lines_starting(const std::string& text, const std::string& prefix)
-{
-    std::vector<std::string> out;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);)
-        if (line.rfind(prefix, 0) == 0) out.push_back(line);
-    return out;
-}
-
-template <class T>
-T read_at(const std::string& bytes, std::size_t offset)
-{
-    T v{};
-    std::memcpy(&v, bytes.data() + offset, sizeof(T));
-    return v;
-}
-
-std::string written(std::string (*write)(const Scene&, double, std::ostream&), const Scene& s, double scale)
-{
-    std::ostringstream out;
-    EXPECT_EQ(write(s, scale, out), "");
-    return out.str();
-}
 
 tinygltf::Model load_glb(const std::string& bytes)
 {
@@ -79,132 +52,6 @@ std::vector<float> floats(const tinygltf::Model& m, int a)
 }
 
 } // namespace
-
-TEST(ObjWriter, Write_NamesEachItemByItsMangledNameInItsGroupPath)
-{
-    const std::string obj = written(ObjWriter::write, sample_scene::scene(), 1.0);
-    EXPECT_EQ(lines_starting(obj, "g "),
-              (std::vector<std::string>{"g VelmScan(A)_SCAN_(LEFT)_1", "g VelmScan(A)_PCIM_2",
-                                        "g PCS_models(B)_sole~4", "g PCS_models(B)_LIMIT"}));
-    EXPECT_EQ(lines_starting(obj, "# in "),
-              (std::vector<std::string>{"# in Data_Base/VelmScan(A)", "# in Data_Base/VelmScan(A)",
-                                        "# in Data_Base/PCS_models(B)", "# in Data_Base/PCS_models(B)"}));
-}
-
-TEST(ObjWriter, Write_FlattensPlacementsAndColoursVerticesByPalette)
-{
-    const std::string obj = written(ObjWriter::write, sample_scene::scene(), 1.0);
-    const std::vector<std::string> v = lines_starting(obj, "v ");
-    // 4 mesh vertices, 3 points, 2 * 16 + 1 spline samples, 3 polyline points.
-    ASSERT_EQ(v.size(), 4u + 3u + 33u + 3u);
-    // (10, 0, 1) moved by (100, 200, 0); colour index 3 is green.
-    EXPECT_EQ(v[1], "v 110 200 1 0 1 0");
-    // Point colours are the cloud's own: (0, 128, 0) at the point (1, 0, -5).
-    EXPECT_EQ(v[5], "v 101 200 -5 0 0.5019607843137255 0");
-    // The polyline's (5, 5, 0) turned a quarter, raised by 5, moved by 100;
-    // without a colour index it is the palette's light grey.
-    const std::string grey = "0.7529411764705882";
-    EXPECT_EQ(v[41], "v 95 5 5 " + grey + ' ' + grey + ' ' + grey);
-}
-
-TEST(ObjWriter, Write_FacesLinesAndPointsCountVerticesAcrossItems)
-{
-    const std::string obj = written(ObjWriter::write, sample_scene::scene(), 1.0);
-    EXPECT_EQ(lines_starting(obj, "f "), (std::vector<std::string>{"f 1 2 3", "f 2 4 3"}));
-    EXPECT_EQ(lines_starting(obj, "p "), (std::vector<std::string>{"p 5 6 7"}));
-    const std::vector<std::string> l = lines_starting(obj, "l ");
-    ASSERT_EQ(l.size(), 2u);
-    EXPECT_EQ(l[1], "l 41 42 43");
-    EXPECT_EQ(l[0].rfind("l 8 9 ", 0), 0u);
-}
-
-TEST(ObjWriter, Write_SplitsLargeCloudsIntoShortPointLines)
-{
-    Scene s;
-    ScenePointCloud c = sample_scene::cloud();
-    c.points.resize(ObjWriter::points_per_line + 1);
-    s.top.add(c);
-    const std::string obj = written(ObjWriter::write, s, 1.0);
-    const std::vector<std::string> p = lines_starting(obj, "p ");
-    ASSERT_EQ(p.size(), 2u);
-    EXPECT_EQ(p[1], "p " + std::to_string(ObjWriter::points_per_line + 1));
-}
-
-TEST(ObjWriter, Token_ReplacesSpacesAndControlBytesAndNamesTheUnnamed)
-{
-    EXPECT_EQ(ObjWriter::token("PCS models(B)\r\tx"), "PCS_models(B)__x");
-    EXPECT_EQ(ObjWriter::token(""), "unnamed");
-    EXPECT_EQ(ObjWriter::token("caf\xE9"), "caf\xE9");
-}
-
-TEST(ObjWriter, Write_LeavesOutAMeshWithABadIndexButKeepsTheCount)
-{
-    Scene s;
-    SceneMesh bad = sample_scene::mesh();
-    bad.triangles.push_back({0, 1, 9});
-    s.top.add(bad);
-    s.top.add(sample_scene::mesh());
-    const std::string obj = written(ObjWriter::write, s, 1.0);
-    EXPECT_EQ(lines_starting(obj, "v ").size(), 4u);
-    EXPECT_EQ(lines_starting(obj, "f "), (std::vector<std::string>{"f 1 2 3", "f 2 4 3"}));
-}
-
-TEST(PlyWriter, Write_HeaderCountsVerticesFacesAndEdgesAndNamesItems)
-{
-    const std::string ply = written(PlyWriter::write, sample_scene::scene(), 1.0);
-    EXPECT_EQ(ply.rfind("ply\nformat binary_little_endian 1.0\n", 0), 0u);
-    EXPECT_NE(ply.find("element vertex 43\n"), std::string::npos);
-    EXPECT_NE(ply.find("element face 2\n"), std::string::npos);
-    // 32 segments of the spline, 2 of the polyline.
-    EXPECT_NE(ply.find("element edge 34\n"), std::string::npos);
-    EXPECT_NE(ply.find("comment object VelmScan(A)_PCIM_2 in Data_Base/VelmScan(A): vertices 4 count 3,"),
-              std::string::npos);
-    EXPECT_NE(ply.find("property uchar red\nproperty uchar green\nproperty uchar blue\n"), std::string::npos);
-}
-
-TEST(PlyWriter, Write_BodyHoldsPlacedVerticesColoursAndOffsetIndices)
-{
-    const std::string ply = written(PlyWriter::write, sample_scene::scene(), 1.0);
-    const std::size_t body = ply.find("end_header\n") + 11;
-    const std::size_t vertex = 3 * 8 + 3;
-    // Vertex 1: the mesh's (10, 0, 1) moved by (100, 200, 0), green.
-    EXPECT_EQ(read_at<double>(ply, body + vertex + 0), 110.0);
-    EXPECT_EQ(read_at<double>(ply, body + vertex + 8), 200.0);
-    EXPECT_EQ(read_at<double>(ply, body + vertex + 16), 1.0);
-    EXPECT_EQ(read_at<std::uint8_t>(ply, body + vertex + 24), 0);
-    EXPECT_EQ(read_at<std::uint8_t>(ply, body + vertex + 25), 255);
-    // Vertex 6: the cloud's third point keeps its own grey.
-    EXPECT_EQ(read_at<std::uint8_t>(ply, body + 6 * vertex + 24), 240);
-    const std::size_t faces = body + 43 * vertex;
-    EXPECT_EQ(read_at<std::uint8_t>(ply, faces), 3);
-    EXPECT_EQ(read_at<std::int32_t>(ply, faces + 1 + 13 + 4), 3);
-    // The first edge joins the spline's first two samples, vertices 7 and 8.
-    const std::size_t edges = faces + 2 * 13;
-    EXPECT_EQ(read_at<std::int32_t>(ply, edges), 7);
-    EXPECT_EQ(read_at<std::int32_t>(ply, edges + 4), 8);
-    EXPECT_EQ(ply.size(), edges + 34 * 8);
-}
-
-TEST(StlWriter, Write_HoldsOnlyTheMeshesTrianglesPlacedAndScaled)
-{
-    const std::string stl = written(StlWriter::write, sample_scene::scene(), 0.001);
-    ASSERT_EQ(stl.size(), StlWriter::header_size + 4 + 2 * 50);
-    EXPECT_EQ(stl.rfind("solid", 0), std::string::npos);
-    EXPECT_EQ(stl.rfind("velmora convert: sample", 0), 0u);
-    EXPECT_EQ(read_at<std::uint32_t>(stl, 80), 2u);
-    // Triangle 0: normal +z, first vertex (0, 0, 1) at (0.1, 0.2, 0.001).
-    EXPECT_EQ(read_at<float>(stl, 84 + 8), 1.0f);
-    EXPECT_EQ(read_at<float>(stl, 84 + 12), static_cast<float>(0.1));
-    EXPECT_EQ(read_at<float>(stl, 84 + 16), static_cast<float>(0.2));
-    EXPECT_EQ(read_at<float>(stl, 84 + 20), static_cast<float>(0.001));
-    EXPECT_EQ(read_at<std::uint16_t>(stl, 84 + 48), 0u);
-}
-
-TEST(StlWriter, Normal_IsZeroForATriangleWithoutArea)
-{
-    EXPECT_EQ(StlWriter::normal({0, 0, 0}, {1, 1, 1}, {2, 2, 2}), (ScenePoint{0, 0, 0}));
-    EXPECT_EQ(StlWriter::normal({0, 0, 0}, {0, 2, 0}, {2, 0, 0}), (ScenePoint{0, 0, -1}));
-}
 
 TEST(GltfWriter, Write_RootScalesMillimetresToMetresAndHoldsTheGroupTree)
 {

@@ -1,4 +1,4 @@
-#include "cli/SceneText.h"
+#include "cli/writers/SceneText.h"
 
 #include <charconv>
 

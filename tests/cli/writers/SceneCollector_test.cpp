@@ -1,7 +1,7 @@
 // SceneCollector: the scene a host builds from the walk of a translator tree,
 // here a tree made by hand from the library's group translators over object
 // records, walked with process() exactly as a host does.
-#include "cli/SceneCollector.h"
+#include "cli/writers/SceneCollector.h"
 
 #include <gtest/gtest.h>
 
