@@ -8,6 +8,7 @@
 #include <limits>
 #include <map>
 
+#include "cli/Utf8.h"
 #include "cli/writers/ColourPalette.h"
 
 namespace {
@@ -236,28 +237,16 @@ int ModelBuilder::group_node(const SceneGroup& g, bool top, double scale)
 std::string GltfWriter::utf8(const std::string& bytes)
 {
     std::string out;
-    const auto* s = reinterpret_cast<const unsigned char*>(bytes.data());
-    const std::size_t n = bytes.size();
-    for (std::size_t i = 0; i < n;) {
-        const unsigned char b = s[i];
-        std::size_t len = b < 0x80 ? 1 : (b >> 5) == 0x6 ? 2 : (b >> 4) == 0xE ? 3 : (b >> 3) == 0x1E ? 4 : 0;
-        bool ok = len > 0 && i + len <= n;
-        for (std::size_t k = 1; ok && k < len; ++k) ok = (s[i + k] & 0xC0) == 0x80;
-        if (ok && len > 1) {
-            // Overlong forms, surrogates and values past U+10FFFF are not valid UTF-8.
-            unsigned cp = b & (0x7F >> len);
-            for (std::size_t k = 1; k < len; ++k) cp = (cp << 6) | (s[i + k] & 0x3F);
-            static constexpr unsigned least[5] = {0, 0, 0x80, 0x800, 0x10000};
-            ok = cp >= least[len] && cp <= 0x10FFFF && (cp < 0xD800 || cp > 0xDFFF);
-        }
-        if (ok) {
+    for (std::size_t i = 0; i < bytes.size();) {
+        if (const std::size_t len = Utf8::sequence_length(bytes, i); len > 0) {
             out.append(bytes, i, len);
             i += len;
-        } else {
-            out += static_cast<char>(0xC0 | (b >> 6));
-            out += static_cast<char>(0x80 | (b & 0x3F));
-            ++i;
+            continue;
         }
+        // The byte read as Latin-1: the character of its own value.
+        const auto b = static_cast<unsigned char>(bytes[i++]);
+        out += static_cast<char>(0xC0 | (b >> 6));
+        out += static_cast<char>(0x80 | (b & 0x3F));
     }
     return out;
 }
