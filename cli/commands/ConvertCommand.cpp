@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 
 #include <cerrno>
-#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -12,11 +11,11 @@
 
 #include "cli/CommandInputs.h"
 #include "cli/ExitCode.h"
+#include "cli/PluginLoader.h"
+#include "cli/ReadDiagnosis.h"
 #include "cli/writers/GltfWriter.h"
 #include "cli/writers/ObjWriter.h"
 #include "cli/writers/PlyWriter.h"
-#include "cli/PluginImport.h"
-#include "cli/ReadDiagnosis.h"
 #include "cli/writers/SceneCollector.h"
 #include "cli/writers/StlWriter.h"
 
@@ -56,14 +55,11 @@ CLI::App* ConvertCommand::add_to(CLI::App& app, ConvertCommand& command)
     CLI::App* cmd = app.add_subcommand(
         "convert", "Import an archive through the plug-in and write what the host received as "
                    "glTF, OBJ, PLY or STL, by the output's extension");
-    cmd->add_option("--option", command.options,
-                    "Set an option of the plug-in before the read: vmiOptProcessScanData, "
-                    "vmiOptProcessImageData or vmiOptProcessOrthoticData, =0 or =1 (repeatable)")
-        ->type_name("NAME=0|1")
-        ->allow_extra_args(false);
+    CommandInputs::add_plugin_option(*cmd, command.options);
     cmd->add_option("--scale", command.scale,
                     "Multiply every coordinate by S (default 0.001 for glTF, 1 otherwise)")
-        ->type_name("S");
+        ->type_name("S")
+        ->check(CLI::Validator([](std::string& text) { return CommandInputs::scale_error(text); }, ""));
     cmd->add_option("file", command.file, "The archive to import")->required()->type_name("FILE.vlm");
     cmd->add_option("-o,--output", command.output, "The file to write; its extension picks the format")
         ->required()
@@ -116,43 +112,27 @@ int ConvertCommand::run(std::ostream&, std::ostream& err) const
 {
     const Format f = format_of(output);
     if (f == Format::unknown) {
-        err << "velmora convert: " << output
-            << ": unknown output format (use .glb, .gltf, .obj, .ply or .stl)\n";
+        CommandInputs::report(err, "convert", output, "unknown output format (use .glb, .gltf, .obj, .ply or .stl)");
         return exit_usage;
     }
-    std::vector<std::pair<std::string, int>> parsed;
-    for (const std::string& o : options) {
-        std::pair<std::string, int> p;
-        if (!parse_plugin_option(o, p)) {
-            err << "velmora convert: --option " << o
-                << ": expected vmiOptProcessScanData, vmiOptProcessImageData or "
-                   "vmiOptProcessOrthoticData =0 or =1\n";
-            return exit_usage;
-        }
-        parsed.push_back(p);
-    }
-    if (scale && !(std::isfinite(*scale) && *scale > 0.0)) {
-        err << "velmora convert: --scale " << *scale << ": expected a finite number above 0\n";
-        return exit_usage;
-    }
-    if (const std::string why = unreadable_archive(file); !why.empty()) {
-        err << "velmora convert: " << file << ": cannot read: " << why << '\n';
+    if (const std::string why = CommandInputs::unreadable_file(file); !why.empty()) {
+        CommandInputs::report(err, "convert", file, why);
         return exit_unreadable;
     }
+    PluginLoader plugin(library);
     SceneCollector collector(std::filesystem::path(file).stem().string());
-    std::string reason;
-    switch (PluginImport::import_archive(file, parsed, collector, reason, library)) {
-    case PluginImport::no_library:
-        err << "velmora convert: cannot load the plug-in: " << reason << '\n';
+    switch (plugin.import_archive(file, CommandInputs::plugin_options(options), collector)) {
+    case PluginLoader::no_library:
+        CommandInputs::report(err, "convert", plugin.path(), "cannot load the plug-in: " + plugin.reason());
         return exit_unreadable;
-    case PluginImport::nothing_imported:
-        err << "velmora convert: " << file << ": " << nothing_imported(file) << '\n';
+    case PluginLoader::nothing_imported:
+        CommandInputs::report(err, "convert", file, nothing_imported(file));
         return exit_nothing_imported;
-    case PluginImport::imported: break;
+    case PluginLoader::imported: break;
     }
     if (const std::string why = write_scene(collector.scene(), output, f, scale.value_or(default_scale(f)));
         !why.empty()) {
-        err << "velmora convert: " << output << ": cannot write: " << why << '\n';
+        CommandInputs::report(err, "convert", output, "cannot write: " + why);
         return exit_unreadable;
     }
     return exit_success;

@@ -1,7 +1,7 @@
 #pragma once
 // ConvertCommand: `velmora convert [--option NAME=0|1]... [--scale S] FILE.vlm
 // -o OUT`. Imports the archive through the plug-in as a host does (see
-// PluginImport.h), gathers what the walk delivered into a Scene and writes it
+// PluginLoader.h), gathers what the walk delivered into a Scene and writes it
 // by OUT's extension: .glb / .gltf, .obj, .ply or .stl (binary).
 #include <optional>
 #include <ostream>
@@ -22,17 +22,17 @@ public:
     // NAME=0|1, each as given.
     std::vector<std::string> options;
     std::optional<double> scale;
-    // The plug-in to load; empty for PluginImport::library_path().
+    // The plug-in to load; empty for PluginLoader::library_path().
     std::string library;
 
     // Registers the subcommand "convert" with its options, help and footer;
     // app.got_subcommand("convert") then says to call run().
     static CLI::App* add_to(CLI::App& app, ConvertCommand& command);
 
-    // Exit status: 0 written, 1 the import produced nothing, 2 wrong usage
-    // (unknown output format or option, a bad value), 3 a file could not be
-    // read or written or the plug-in could not be loaded. Diagnostics go to
-    // err, one line naming the file and the reason.
+    // Exit status: 0 written, 1 the import produced nothing, 2 an unknown
+    // output format (a bad option or value is refused while parsing), 3 a
+    // file could not be read or written or the plug-in could not be loaded.
+    // Diagnostics go to err, one line naming the file and the reason.
     int run(std::ostream& out, std::ostream& err) const;
 
     // The format of a file name's extension, in any letter case.

@@ -2,18 +2,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <system_error>
-
+#include "cli/CommandInputs.h"
 #include "cli/dump/DumpSink.h"
 #include "cli/dump/DumpWriter.h"
-#include "cli/CommandInputs.h"
 #include "cli/ExitCode.h"
-#include "cli/PluginIdentity.h"
-#include "cli/PluginImport.h"
+#include "cli/PluginLoader.h"
 #include "cli/ReadDiagnosis.h"
 #include "host/qorResourceTable.h"
 #include "host/utBoolcoResourceKey.h"
@@ -42,7 +35,7 @@ std::vector<std::pair<std::string, int>> options_in_force()
 {
     std::vector<std::pair<std::string, int>> in_force;
     qorResourceTable* table = qor_resource_table_inquire();
-    for (const std::string& name : PluginImport::option_names()) {
+    for (const std::string& name : PluginLoader::option_names()) {
         const utBoolcoResourceKey key{utString(name)};
         in_force.emplace_back(name, table ? (table->bool_value(key, 1) ? 1 : 0) : 1);
     }
@@ -59,11 +52,7 @@ CLI::App* DumpCommand::add_to(CLI::App& app, DumpCommand& command)
     cmd->add_flag("--summary", command.summary,
                   "Replace each geometry array by its count, per-component min and max, and SHA-256");
     cmd->add_flag("--compact", command.compact, "Print the document on one line");
-    cmd->add_option("--option", command.options,
-                    "Set an option of the plug-in before the read: vmiOptProcessScanData, "
-                    "vmiOptProcessImageData or vmiOptProcessOrthoticData, =0 or =1 (repeatable)")
-        ->type_name("NAME=0|1")
-        ->allow_extra_args(false);
+    CommandInputs::add_plugin_option(*cmd, command.options);
     cmd->add_option("file", command.file, "The archive to import")->required()->type_name("FILE.vlm");
     cmd->footer(help_footer());
     return cmd;
@@ -71,39 +60,25 @@ CLI::App* DumpCommand::add_to(CLI::App& app, DumpCommand& command)
 
 int DumpCommand::run(std::ostream& out, std::ostream& err) const
 {
-    std::vector<std::pair<std::string, int>> parsed;
-    for (const std::string& o : options) {
-        std::pair<std::string, int> p;
-        if (!parse_plugin_option(o, p)) {
-            err << "velmora dump: --option " << o
-                << ": expected vmiOptProcessScanData, vmiOptProcessImageData or "
-                   "vmiOptProcessOrthoticData =0 or =1\n";
-            return exit_usage;
-        }
-        parsed.push_back(p);
-    }
-    if (const std::string why = unreadable_archive(file); !why.empty()) {
-        err << "velmora dump: " << file << ": cannot read: " << why << '\n';
+    if (const std::string why = CommandInputs::unreadable_file(file); !why.empty()) {
+        CommandInputs::report(err, "dump", file, why);
         return exit_unreadable;
     }
+    PluginLoader plugin(library);
     DumpDocument doc;
-    std::string reason;
-    if (!PluginIdentity::query(library, doc.identity, reason)) {
-        err << "velmora dump: cannot load the plug-in: " << reason << '\n';
-        return exit_unreadable;
-    }
+    doc.identity = plugin.identity();
     DumpSink sink;
-    const PluginImport::Outcome outcome = PluginImport::import_archive(file, parsed, sink, reason, library);
-    if (outcome == PluginImport::no_library) {
-        err << "velmora dump: cannot load the plug-in: " << reason << '\n';
+    const PluginLoader::Outcome outcome = plugin.import_archive(file, CommandInputs::plugin_options(options), sink);
+    if (outcome == PluginLoader::no_library) {
+        CommandInputs::report(err, "dump", plugin.path(), "cannot load the plug-in: " + plugin.reason());
         return exit_unreadable;
     }
     doc.options = options_in_force();
-    doc.result = outcome == PluginImport::imported ? 1 : 0;
+    doc.result = outcome == PluginLoader::imported ? 1 : 0;
     doc.top = &sink.top();
     DumpWriter(summary, compact).write(out, doc);
-    if (outcome == PluginImport::nothing_imported) {
-        err << "velmora dump: " << file << ": " << nothing_imported(file) << '\n';
+    if (outcome == PluginLoader::nothing_imported) {
+        CommandInputs::report(err, "dump", file, nothing_imported(file));
         return exit_nothing_imported;
     }
     return exit_success;

@@ -1,34 +1,23 @@
 #include "cli/commands/ListingCommand.h"
 
-#include <cerrno>
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
-#include <cstring>
-#include <fstream>
-#include <system_error>
-#include <filesystem>
 
 #include "archive/vmiFile.h"
 #include "cli/ArchiveListing.h"
+#include "cli/CommandInputs.h"
 #include "cli/ExitCode.h"
 #include "cli/JsonWriter.h"
 #include "host/qozUnZip.h"
 
 namespace {
 
-// Why the file cannot be listed, or empty when it can: the file must exist,
-// be a regular file we may open, and be a ZIP archive the unzip service takes.
-std::string unreadable_reason(const std::string& file)
+// Why the file cannot be listed, or empty when it can: a file any command
+// can read that the unzip service takes as a ZIP archive.
+std::string unlistable(const std::string& file)
 {
-    std::error_code ec;
-    const auto status = std::filesystem::status(file, ec);
-    if (ec || !std::filesystem::exists(status)) return "no such file";
-    if (std::filesystem::is_directory(status)) return "is a directory";
-    // A pipe or a device could block the read or never end.
-    if (!std::filesystem::is_regular_file(status)) return "not a regular file";
-    {
-        std::ifstream probe(file, std::ios::binary);
-        if (!probe) return std::string("cannot open: ") + std::strerror(errno);
-    }
+    if (std::string why = CommandInputs::unreadable_file(file); !why.empty()) return why;
     qozUnZip unzip;
     if (!unzip.open(utString(file))) return "not a ZIP archive";
     return {};
@@ -123,11 +112,21 @@ void write_catalogue(JsonWriter& w, const ListedCatalogue& c)
 
 } // namespace
 
+CLI::App* ListingCommand::add_to(CLI::App& app, ListingCommand& command)
+{
+    CLI::App* cmd = app.add_subcommand(
+        "inspect", "List what an archive holds before any interpretation: every ZIP entry, "
+                   "every catalogue record and the data entry each record names");
+    cmd->add_flag("--json", command.json, "Print the listing as JSON (format \"velmora-inspect\")");
+    cmd->add_option("file", command.file, "The archive to list")->required()->type_name("FILE.vlm");
+    cmd->footer("Exit status: 0 listed, 2 wrong usage, 3 the file could not be read.");
+    return cmd;
+}
+
 int ListingCommand::run(std::ostream& out, std::ostream& err) const
 {
-    const std::string reason = unreadable_reason(file);
-    if (!reason.empty()) {
-        err << "velmora: " << file << ": " << reason << '\n';
+    if (const std::string why = unlistable(file); !why.empty()) {
+        CommandInputs::report(err, "inspect", file, why);
         return exit_unreadable;
     }
     ArchiveListing listing(file);

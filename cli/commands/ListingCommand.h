@@ -5,12 +5,19 @@
 #include <ostream>
 #include <string>
 
+namespace CLI {
+class App;
+}
 class ArchiveListing;
 
 class ListingCommand {
 public:
     std::string file;
     bool json = false;
+
+    // Registers the subcommand "inspect" with its options, help and footer;
+    // app.got_subcommand("inspect") then says to call run().
+    static CLI::App* add_to(CLI::App& app, ListingCommand& command);
 
     // Exit status: 0 listed (an archive without a catalogue included), 3 the
     // file could not be read (missing, not a regular file, not a ZIP).

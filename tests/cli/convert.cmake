@@ -33,6 +33,10 @@ if(TARGET ConvertCommand_test)
   target_compile_definitions(ConvertCommand_test PRIVATE
     CONVERT_TEST_PLUGIN="$<TARGET_FILE:convert_test_plugin>")
 endif()
+if(TARGET PluginLoader_test)
+  add_dependencies(PluginLoader_test convert_test_plugin)
+  target_compile_definitions(PluginLoader_test PRIVATE CONVERT_TEST_PLUGIN="$<TARGET_FILE:convert_test_plugin>")
+endif()
 
 # Once the plug-in is built (target velmora2rnx, build/lib/libvelmora2rnx.so),
 # the same readers check the demo archive converted end to end.

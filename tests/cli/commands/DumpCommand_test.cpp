@@ -6,13 +6,12 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <sys/wait.h>
-
 #include <cstdio>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "tests/support/commandRun.h"
 #include "tests/support/contourText.h"
 #include "tests/support/vlmWriter.h"
 
@@ -20,30 +19,14 @@ using nlohmann::json;
 
 namespace {
 
-struct CommandRun {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
+using CommandRun = vlm::command_result;
 
-// Runs the built command with args (each quoted for the shell), after the
-// environment settings env ("NAME=value ...") when given.
-CommandRun velmora(const std::vector<std::string>& args, const std::string& env = {})
+// Runs the built `velmora dump` with args, after the environment settings
+// env ("NAME=value ...") when given.
+CommandRun velmora(std::vector<std::string> args, const std::string& env = {})
 {
-    const std::string err_path = vlm::temp_path("dump_command_stderr.txt");
-    std::string cmd = env + (env.empty() ? "" : " ") + "'" + VELMORA_BINARY_DIR + "/bin/velmora' dump";
-    for (const std::string& a : args) cmd += " '" + a + "'";
-    cmd += " 2>'" + err_path + "'";
-    CommandRun r;
-    FILE* p = popen(cmd.c_str(), "r");
-    if (!p) return r;
-    char buf[65536];
-    for (std::size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) r.out.append(buf, n);
-    const int st = pclose(p);
-    r.status = WIFEXITED(st) ? WEXITSTATUS(st) : -1;
-    r.err = vlm::read_file(err_path);
-    std::remove(err_path.c_str());
-    return r;
+    args.insert(args.begin(), "dump");
+    return vlm::run_command(std::string(VELMORA_BINARY_DIR) + "/bin/velmora", args, env);
 }
 
 int lines(const std::string& s)
@@ -190,7 +173,7 @@ TEST_F(DumpCommandRun, PluginThatDoesNotLoad_UnreadableNothingPrinted)
     const CommandRun r = velmora({path_}, "VELMORA_PLUGIN=/nonexistent/libnothing.so");
     EXPECT_EQ(r.status, 3);
     EXPECT_EQ(lines(r.err), 1);
-    EXPECT_NE(r.err.find("cannot load the plug-in"), std::string::npos) << r.err;
+    EXPECT_EQ(r.err.rfind("velmora dump: /nonexistent/libnothing.so: cannot load the plug-in: ", 0), 0u) << r.err;
     EXPECT_TRUE(r.out.empty());
 }
 
@@ -266,6 +249,9 @@ TEST(DumpCommandExit, UnknownOptionOrValue_WrongUsage)
         EXPECT_EQ(lines(r.err), 1) << o;
         EXPECT_TRUE(r.out.empty()) << o;
     }
+    const CommandRun r = velmora({"--option", "vmiOptProcessScanData=2", "x.vlm"});
+    EXPECT_EQ(r.err, "velmora dump: --option vmiOptProcessScanData=2: expected vmiOptProcessScanData, "
+                     "vmiOptProcessImageData or vmiOptProcessOrthoticData =0 or =1\n");
 }
 
 TEST(DumpCommandExit, MissingFile_UnreadableNamingIt)
@@ -273,15 +259,22 @@ TEST(DumpCommandExit, MissingFile_UnreadableNamingIt)
     const CommandRun r = velmora({"/nonexistent/dir/archive.vlm"});
     EXPECT_EQ(r.status, 3);
     EXPECT_EQ(lines(r.err), 1);
-    EXPECT_NE(r.err.find("/nonexistent/dir/archive.vlm"), std::string::npos);
+    EXPECT_EQ(r.err, "velmora dump: /nonexistent/dir/archive.vlm: no such file\n");
     EXPECT_TRUE(r.out.empty());
 }
 
-TEST(DumpCommandExit, Directory_UnreadableNotARegularFile)
+TEST(DumpCommandExit, Directory_UnreadableIsADirectory)
 {
     const CommandRun r = velmora({"/tmp"});
     EXPECT_EQ(r.status, 3);
-    EXPECT_NE(r.err.find("not a regular file"), std::string::npos);
+    EXPECT_EQ(r.err, "velmora dump: /tmp: is a directory\n");
+}
+
+TEST(DumpCommandExit, Device_UnreadableNotARegularFile)
+{
+    const CommandRun r = velmora({"/dev/null"});
+    EXPECT_EQ(r.status, 3);
+    EXPECT_EQ(r.err, "velmora dump: /dev/null: not a regular file\n");
 }
 
 TEST(DumpCommandExit, NoFile_WrongUsage)

@@ -1,16 +1,16 @@
-#include "cli/PluginImport.h"
+#include "cli/PluginLoader.h"
 
 #include <dlfcn.h>
 
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
 #include <system_error>
 
 #include "host/qorResourceTable.h"
 #include "host/qorabsAppInfo.h"
 #include "host/qorabsContext.h"
 #include "host/qorabsIfStream.h"
+#include "host/qorabsLibBase.h"
 #include "host/qorabsLibInputEx.h"
 #include "host/utBoolcoResourceKey.h"
 
@@ -20,7 +20,7 @@
 
 namespace {
 
-// What the library exports: a new input object for the host, which owns it.
+// What the library exports: a new instance for the host, which owns it.
 using get_instance_fn = qorabsLibBase* (*)(const qorabsAppInfo*);
 
 const qorabsAppInfo& app_info()
@@ -31,14 +31,14 @@ const qorabsAppInfo& app_info()
 
 } // namespace
 
-const std::vector<std::string>& PluginImport::option_names()
+const std::vector<std::string>& PluginLoader::option_names()
 {
     static const std::vector<std::string> names = {"vmiOptProcessScanData", "vmiOptProcessImageData",
                                                    "vmiOptProcessOrthoticData"};
     return names;
 }
 
-std::string PluginImport::library_path()
+std::string PluginLoader::library_path()
 {
     if (const char* v = std::getenv(library_variable); v && *v) return v;
     std::error_code ec;
@@ -47,28 +47,45 @@ std::string PluginImport::library_path()
     return (exe.parent_path().parent_path() / "lib" / library_file).string();
 }
 
-PluginImport::Outcome PluginImport::import_archive(const std::string& archive,
-                                                   const std::vector<std::pair<std::string, int>>& options,
-                                                   qorabsOutputSink& sink, std::string& reason,
-                                                   const std::string& library)
+PluginLoader::PluginLoader(const std::string& library) : path_(library.empty() ? library_path() : library)
 {
-    const std::string path = library.empty() ? library_path() : library;
-    // The library stays loaded: the host's types it made may outlive a close.
-    void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* handle = dlopen(path_.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!handle) {
         const char* e = dlerror();
-        reason = e ? e : "cannot load " + path;
-        return no_library;
+        fail(e ? e : "cannot open the library");
+        return;
     }
     auto get_instance = reinterpret_cast<get_instance_fn>(dlsym(handle, "get_instance"));
     if (!get_instance) {
-        reason = path + ": no get_instance";
-        return no_library;
+        fail("no get_instance");
+        return;
     }
-    std::unique_ptr<qorabsLibBase> base(get_instance(&app_info()));
-    auto* input = dynamic_cast<qorabsLibInputEx*>(base.get());
+    instance_.reset(get_instance(&app_info()));
+    if (!instance_) fail("get_instance gave no instance");
+}
+
+PluginLoader::~PluginLoader() = default;
+
+void PluginLoader::fail(std::string why)
+{
+    // dlerror starts with the file's name, which the caller names already.
+    const std::string prefix = path_ + ": ";
+    if (why.rfind(prefix, 0) == 0) why.erase(0, prefix.size());
+    reason_ = std::move(why);
+}
+
+PluginIdentity PluginLoader::identity() const
+{
+    return instance_ ? PluginIdentity::of(*instance_) : PluginIdentity{};
+}
+
+PluginLoader::Outcome PluginLoader::import_archive(const std::string& archive,
+                                                   const std::vector<std::pair<std::string, int>>& options,
+                                                   qorabsOutputSink& sink)
+{
+    auto* input = dynamic_cast<qorabsLibInputEx*>(instance_.get());
     if (!input) {
-        reason = path + ": get_instance gave no input library";
+        if (instance_) fail("get_instance gave no input library");
         return no_library;
     }
     // The library entered its options when it was loaded; each import starts
