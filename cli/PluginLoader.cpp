@@ -71,7 +71,7 @@ void PluginLoader::fail(std::string why)
     // dlerror starts with the file's name, which the caller names already.
     const std::string prefix = path_ + ": ";
     if (why.rfind(prefix, 0) == 0) why.erase(0, prefix.size());
-    reason_ = std::move(why);
+    reason_ = "cannot load the plug-in: " + why;
 }
 
 PluginIdentity PluginLoader::identity() const

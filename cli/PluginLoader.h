@@ -39,7 +39,8 @@ public:
     bool loaded() const { return instance_ != nullptr; }
     // The plug-in file, as loaded or tried.
     const std::string& path() const { return path_; }
-    // Why the plug-in could not be loaded, without its file name.
+    // Why the plug-in could not be loaded ("cannot load the plug-in: ..."),
+    // without its file name, which the caller names before it.
     const std::string& reason() const { return reason_; }
 
     // What the instance says about itself; only when loaded().

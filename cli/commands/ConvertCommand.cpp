@@ -123,7 +123,7 @@ int ConvertCommand::run(std::ostream&, std::ostream& err) const
     SceneCollector collector(std::filesystem::path(file).stem().string());
     switch (plugin.import_archive(file, CommandInputs::plugin_options(options), collector)) {
     case PluginLoader::no_library:
-        CommandInputs::report(err, "convert", plugin.path(), "cannot load the plug-in: " + plugin.reason());
+        CommandInputs::report(err, "convert", plugin.path(), plugin.reason());
         return exit_unreadable;
     case PluginLoader::nothing_imported:
         CommandInputs::report(err, "convert", file, nothing_imported(file));

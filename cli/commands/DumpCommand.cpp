@@ -66,11 +66,12 @@ int DumpCommand::run(std::ostream& out, std::ostream& err) const
     }
     PluginLoader plugin(library);
     DumpDocument doc;
+    // Asked before the read, as a host asks before it reads.
     doc.identity = plugin.identity();
     DumpSink sink;
     const PluginLoader::Outcome outcome = plugin.import_archive(file, CommandInputs::plugin_options(options), sink);
     if (outcome == PluginLoader::no_library) {
-        CommandInputs::report(err, "dump", plugin.path(), "cannot load the plug-in: " + plugin.reason());
+        CommandInputs::report(err, "dump", plugin.path(), plugin.reason());
         return exit_unreadable;
     }
     doc.options = options_in_force();
