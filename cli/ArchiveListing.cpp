@@ -32,10 +32,7 @@ ListedRecord listed_record(const vmiVlkElement& e, vmiArchiveDir& archive)
 std::optional<std::string> ArchiveListing::magic_of(const char* content, int len)
 {
     if (content == nullptr || len < 4) return std::nullopt;
-    std::string m(content, 4);
-    for (char& c : m)
-        if (static_cast<unsigned char>(c) < 0x20 || static_cast<unsigned char>(c) > 0x7E) c = '?';
-    return m;
+    return printable(std::string(content, 4));
 }
 
 void ArchiveListing::entry(const utString& name, vmiEntryKind type, int indx, std::int64_t stored_size,

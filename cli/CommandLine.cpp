@@ -3,10 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
-#include "cli/ConvertCommand.h"
-#include "cli/DumpCommand.h"
+#include "cli/commands/ConvertCommand.h"
+#include "cli/commands/DumpCommand.h"
+#include "cli/commands/ListingCommand.h"
 #include "cli/ExitCode.h"
-#include "cli/ListingCommand.h"
 
 #ifndef VELMORA_VERSION
 #define VELMORA_VERSION "unknown"
@@ -23,14 +23,14 @@ std::string one_line(std::string s)
     return s;
 }
 
-void add_inspect(CLI::App& app, ListingCommand& inspect)
+// A refused value: every check of these commands says "VALUE: reason", and
+// CLI11 puts the option's name and ": " before it; the line reads
+// "--option VALUE: reason", as the user typed them.
+std::string checked_value(const std::string& what)
 {
-    CLI::App* cmd = app.add_subcommand(
-        "inspect", "List what an archive holds before any interpretation: every ZIP entry, "
-                   "every catalogue record and the data entry each record names");
-    cmd->add_flag("--json", inspect.json, "Print the listing as JSON (format \"velmora-inspect\")");
-    cmd->add_option("file", inspect.file, "The archive to list")->required()->type_name("FILE.vlm");
-    cmd->footer("Exit status: 0 listed, 2 wrong usage, 3 the file could not be read.");
+    std::string line = one_line(what);
+    if (const std::size_t colon = line.find(": "); colon != std::string::npos) line.replace(colon, 2, " ");
+    return line;
 }
 
 // The command word, when the first argument is one (not an option).
@@ -50,7 +50,7 @@ int CommandLine::run(int argc, const char* const* argv, std::ostream& out, std::
     app.footer("Exit status: 0 success, 1 the import produced nothing, 2 wrong usage, 3 a file "
                "could not be read or written.");
     ListingCommand inspect;
-    add_inspect(app, inspect);
+    ListingCommand::add_to(app, inspect);
     ConvertCommand convert;
     ConvertCommand::add_to(app, convert);
     DumpCommand dump;
@@ -61,12 +61,17 @@ int CommandLine::run(int argc, const char* const* argv, std::ostream& out, std::
         err << "velmora: " << word << ": unknown command (see velmora --help)\n";
         return exit_usage;
     }
+    // A message about a command's arguments names the command.
+    const std::string speaker = word.empty() ? "velmora" : "velmora " + word;
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& e) {
         return app.exit(e, out, err);
+    } catch (const CLI::ValidationError& e) {
+        err << speaker << ": " << checked_value(e.what()) << '\n';
+        return exit_usage;
     } catch (const CLI::ParseError& e) {
-        err << "velmora: " << one_line(e.what()) << " (see velmora --help)\n";
+        err << speaker << ": " << one_line(e.what()) << " (see velmora --help)\n";
         return exit_usage;
     }
     if (app.got_subcommand("inspect")) return inspect.run(out, err);

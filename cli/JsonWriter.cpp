@@ -3,32 +3,9 @@
 #include <charconv>
 #include <cmath>
 
-namespace {
+#include "cli/Utf8.h"
 
-// Length of the valid UTF-8 sequence starting at s[i], or 0 when the byte there
-// does not start one (overlong forms, surrogates and code points above
-// U+10FFFF are not valid).
-std::size_t utf8_sequence_length(std::string_view s, std::size_t i)
-{
-    const auto at = [&](std::size_t k) { return static_cast<unsigned char>(s[k]); };
-    const unsigned char b0 = at(i);
-    std::size_t n = 0;
-    unsigned char lo = 0x80, hi = 0xBF;  // allowed range of the second byte
-    if (b0 < 0x80) return 1;
-    if (b0 >= 0xC2 && b0 <= 0xDF) n = 2;
-    else if (b0 == 0xE0) { n = 3; lo = 0xA0; }
-    else if (b0 == 0xED) { n = 3; hi = 0x9F; }
-    else if (b0 >= 0xE1 && b0 <= 0xEF) n = 3;
-    else if (b0 == 0xF0) { n = 4; lo = 0x90; }
-    else if (b0 == 0xF4) { n = 4; hi = 0x8F; }
-    else if (b0 >= 0xF1 && b0 <= 0xF3) n = 4;
-    else return 0;
-    if (i + n > s.size()) return 0;
-    if (at(i + 1) < lo || at(i + 1) > hi) return 0;
-    for (std::size_t k = 2; k < n; ++k)
-        if (at(i + k) < 0x80 || at(i + k) > 0xBF) return 0;
-    return n;
-}
+namespace {
 
 void append_byte_escape(std::string& out, unsigned char b)
 {
@@ -47,7 +24,7 @@ std::string json_string(std::string_view bytes)
     out += '"';
     for (std::size_t i = 0; i < bytes.size();) {
         const unsigned char b = static_cast<unsigned char>(bytes[i]);
-        const std::size_t n = utf8_sequence_length(bytes, i);
+        const std::size_t n = Utf8::sequence_length(bytes, i);
         if (n == 0) {
             append_byte_escape(out, b);
             ++i;

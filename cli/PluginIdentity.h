@@ -2,7 +2,7 @@
 // PluginIdentity: what an import library says about itself when a host asks
 // it (library_name, format_name, option, file_filter, database_number,
 // translator_category, add_file_types, add_extensions), read from an instance
-// the library's get_instance made, as a host reads it.
+// the library's get_instance made (see PluginLoader), as a host reads it.
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,9 +23,4 @@ struct PluginIdentity {
 
     // The identity of an instance.
     static PluginIdentity of(const qorabsLibBase& library);
-
-    // Loads the plug-in at library (PluginImport::library_path() when empty)
-    // with dlopen, makes an instance with get_instance and asks it. False,
-    // with reason, when the plug-in cannot be loaded or gives no instance.
-    static bool query(const std::string& library, PluginIdentity& identity, std::string& reason);
 };

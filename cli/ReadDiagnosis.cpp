@@ -15,14 +15,6 @@ std::string data_entry(const vmiReadSkip& why)
     return "data entry " + std::to_string(why.data_indx);
 }
 
-// The first bytes of an entry as text, every byte outside printable ASCII as '?'.
-std::string printable(std::string s)
-{
-    for (char& c : s)
-        if (static_cast<unsigned char>(c) < 0x20 || static_cast<unsigned char>(c) > 0x7E) c = '?';
-    return s;
-}
-
 std::string over(const vmiReadSkip& why)
 {
     return std::string(why.bound ? why.bound : "a bound") + " (" + std::to_string(why.value) + " > " +
@@ -57,6 +49,13 @@ std::vector<std::string> ReadDiagnosis::of(const std::string& path)
     reader.set_observer(&diagnosis);
     (void)reader.read(utString(path));
     return diagnosis.reasons_;
+}
+
+std::string ReadDiagnosis::printable(std::string bytes)
+{
+    for (char& c : bytes)
+        if (static_cast<unsigned char>(c) < 0x20 || static_cast<unsigned char>(c) > 0x7E) c = '?';
+    return bytes;
 }
 
 std::string ReadDiagnosis::kind_word(const utString& name)

@@ -33,6 +33,9 @@ public:
     std::string describe(const vmiReadSkip& why) const;
     // Why a chain of chunks chunks ended, in words ("cut short ...").
     static std::string describe(vmiChainEnd end, int chunks);
+    // The first bytes of an entry as text, every byte outside printable ASCII
+    // as '?', so that a magic shows on one line whatever it holds.
+    static std::string printable(std::string bytes);
     // "catalogue", "data entry" or "entry", by the name's kind.
     static std::string kind_word(const utString& name);
 

@@ -1,31 +1,18 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "cli/CommandLine.h"
 #include "cli/ExitCode.h"
+#include "tests/cli/commandLineRun.h"
 #include "tests/support/vlmWriter.h"
 
 namespace {
 
-struct RunResult {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-RunResult velmora(std::vector<std::string> args)
-{
-    args.insert(args.begin(), "velmora");
-    std::vector<const char*> argv;
-    for (const std::string& a : args) argv.push_back(a.c_str());
-    std::ostringstream out, err;
-    const int status = CommandLine::run(static_cast<int>(argv.size()), argv.data(), out, err);
-    return {status, out.str(), err.str()};
-}
+using cli_test::RunResult;
+using cli_test::velmora;
 
 int count_lines(const std::string& s)
 {
@@ -103,11 +90,25 @@ TEST(CommandLine, InspectUnknownOptionIsWrongUsage)
     EXPECT_NE(r.err.find("--yaml"), std::string::npos);
 }
 
+TEST(CommandLine, UsageMessageOfACommandNamesTheCommand)
+{
+    const RunResult r = velmora({"inspect", "--yaml", "a.vlm"});
+    EXPECT_EQ(r.err.rfind("velmora inspect: ", 0), 0u) << r.err;
+    EXPECT_EQ(count_lines(r.err), 1);
+}
+
+TEST(CommandLine, UsageMessageWithoutACommandSpeaksAsVelmora)
+{
+    const RunResult r = velmora({"--yaml"});
+    EXPECT_EQ(r.status, exit_usage);
+    EXPECT_EQ(r.err.rfind("velmora: ", 0), 0u) << r.err;
+}
+
 TEST(CommandLine, InspectMissingFileIsUnreadableNamingTheFile)
 {
     const RunResult r = velmora({"inspect", "/nonexistent/dir/x.vlm"});
     EXPECT_EQ(r.status, exit_unreadable);
-    EXPECT_EQ(r.err, "velmora: /nonexistent/dir/x.vlm: no such file\n");
+    EXPECT_EQ(r.err, "velmora inspect: /nonexistent/dir/x.vlm: no such file\n");
     EXPECT_TRUE(r.out.empty());
 }
 
@@ -115,14 +116,14 @@ TEST(CommandLine, InspectDirectoryIsUnreadable)
 {
     const RunResult r = velmora({"inspect", "/tmp"});
     EXPECT_EQ(r.status, exit_unreadable);
-    EXPECT_EQ(r.err, "velmora: /tmp: is a directory\n");
+    EXPECT_EQ(r.err, "velmora inspect: /tmp: is a directory\n");
 }
 
 TEST(CommandLine, InspectDeviceIsUnreadable)
 {
     const RunResult r = velmora({"inspect", "/dev/null"});
     EXPECT_EQ(r.status, exit_unreadable);
-    EXPECT_EQ(r.err, "velmora: /dev/null: not a regular file\n");
+    EXPECT_EQ(r.err, "velmora inspect: /dev/null: not a regular file\n");
 }
 
 TEST(CommandLine, InspectFileThatIsNotAZipIsUnreadable)
@@ -132,7 +133,7 @@ TEST(CommandLine, InspectFileThatIsNotAZipIsUnreadable)
     const RunResult r = velmora({"inspect", path});
     std::remove(path.c_str());
     EXPECT_EQ(r.status, exit_unreadable);
-    EXPECT_EQ(r.err, "velmora: " + path + ": not a ZIP archive\n");
+    EXPECT_EQ(r.err, "velmora inspect: " + path + ": not a ZIP archive\n");
 }
 
 TEST(CommandLine, InspectArchiveWithoutCatalogueSucceeds)

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdint>
 #include <string>
 
 #include "cli/Sha256.h"
@@ -45,4 +47,15 @@ TEST(Sha256, FiftyFiveAndFiftySixBytesPadDifferently)
     // 55 bytes fit the length into the same block; 56 need a second one.
     EXPECT_EQ(Sha256::hex(std::string(55, 'a')), "9f4390f8d30c2dd92ec9f095b65e2b9ae9b0a925a5258e241c9f1e910f734318");
     EXPECT_EQ(Sha256::hex(std::string(56, 'a')), "b35439a4ac6f0948b6d6f9e3c6af0f5f590ce20f1bde7090ef7970686ec6738a");
+}
+
+TEST(Sha256, FinishStartsOverForTheNextDigest)
+{
+    Sha256 s;
+    s.update("xyz", 3);
+    (void)s.finish();
+    s.update("abc", 3);
+    const std::array<std::uint8_t, 32> d = s.finish();
+    EXPECT_EQ(d[0], 0xba);
+    EXPECT_EQ(d[31], 0xad);
 }

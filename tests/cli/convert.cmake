@@ -1,14 +1,8 @@
-# `velmora convert`: its scene, writers, collector and command link the
-# command line's library; the external checks read the files it writes with
-# other tools (assimp, the glTF validator).
-foreach(t ConvertScene_test ConvertWriters_test ConvertCollector_test ConvertCommand_test)
-  if(TARGET ${t})
-    target_link_libraries(${t} PRIVATE velmora_cli)
-  endif()
-endforeach()
+# `velmora convert`: the external checks read the files it writes with other
+# tools (assimp, the glTF validator).
 
 # The hand-built sample scene in every output format, for the external checks.
-add_executable(write_sample_scene ${CMAKE_CURRENT_SOURCE_DIR}/write_sample_scene.cpp)
+add_executable(write_sample_scene ${CMAKE_CURRENT_SOURCE_DIR}/writers/write_sample_scene.cpp)
 target_link_libraries(write_sample_scene PRIVATE velmora_cli)
 
 # Other makers' readers on the written files. Until the import runs end to
@@ -38,6 +32,10 @@ if(TARGET ConvertCommand_test)
   endif()
   target_compile_definitions(ConvertCommand_test PRIVATE
     CONVERT_TEST_PLUGIN="$<TARGET_FILE:convert_test_plugin>")
+endif()
+if(TARGET PluginLoader_test)
+  add_dependencies(PluginLoader_test convert_test_plugin)
+  target_compile_definitions(PluginLoader_test PRIVATE CONVERT_TEST_PLUGIN="$<TARGET_FILE:convert_test_plugin>")
 endif()
 
 # Once the plug-in is built (target velmora2rnx, build/lib/libvelmora2rnx.so),

@@ -117,12 +117,12 @@ def check_statuses(checks, velmora, tmp):
     missing = os.path.join(tmp, "missing.vlm")
     status, out, err = vlmtest.run(velmora, "inspect", missing)
     checks.equal("missing file status", status, 3)
-    checks.equal("missing file message", err, b"velmora: " + missing.encode() + b": no such file\n")
+    checks.equal("missing file message", err, b"velmora inspect: " + missing.encode() + b": no such file\n")
     text = os.path.join(tmp, "text.vlm")
     open(text, "wb").write(b"PK but not really a zip\n")
     status, out, err = vlmtest.run(velmora, "inspect", "--json", text)
     checks.equal("not a ZIP status", status, 3)
-    checks.equal("not a ZIP message", err, b"velmora: " + text.encode() + b": not a ZIP archive\n")
+    checks.equal("not a ZIP message", err, b"velmora inspect: " + text.encode() + b": not a ZIP archive\n")
     checks.equal("not a ZIP prints no listing", out, b"")
 
 

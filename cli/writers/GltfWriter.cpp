@@ -1,0 +1,277 @@
+#include "cli/writers/GltfWriter.h"
+
+#include <tiny_gltf.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <map>
+
+#include "cli/Utf8.h"
+#include "cli/writers/ColourPalette.h"
+
+namespace {
+
+// The largest buffer a binary glTF can count (its chunk lengths are 32 bits),
+// less room for the header and the text.
+constexpr std::size_t max_buffer_bytes = (std::size_t(1) << 32) - (std::size_t(1) << 24);
+
+tinygltf::Value text(const std::string& bytes)
+{
+    return tinygltf::Value(GltfWriter::utf8(bytes));
+}
+
+class ModelBuilder {
+public:
+    explicit ModelBuilder(tinygltf::Model& m) : m_(m) { m_.buffers.emplace_back(); }
+
+    int group_node(const SceneGroup& g, bool top, double scale);
+    bool too_large() const { return too_large_; }
+
+private:
+    int item_node(const SceneItemInfo& info, int mesh);
+    int mesh(const SceneMesh& mesh);
+    int curve(const SceneCurve& curve);
+    int cloud(const ScenePointCloud& cloud);
+    int primitive_mesh(tinygltf::Primitive p, const std::string& name);
+    int positions(const std::vector<ScenePoint>& points);
+    int view(const void* bytes, std::size_t n, std::size_t stride, int target);
+    int accessor(int view, int component, int type, std::size_t count, bool normalized);
+    int material(int colour);
+
+    tinygltf::Model& m_;
+    std::map<int, int> materials_;
+    bool too_large_ = false;
+};
+
+int ModelBuilder::view(const void* bytes, std::size_t n, std::size_t stride, int target)
+{
+    std::vector<unsigned char>& data = m_.buffers[0].data;
+    if (data.size() + n + 3 > max_buffer_bytes) {
+        too_large_ = true;
+        n = 0;
+    }
+    // Every view starts on a 4-byte boundary, as vertex attributes must.
+    data.resize((data.size() + 3) & ~std::size_t(3), 0);
+    tinygltf::BufferView v;
+    v.buffer = 0;
+    v.byteOffset = data.size();
+    v.byteLength = n;
+    v.byteStride = stride;
+    v.target = target;
+    const auto* p = static_cast<const unsigned char*>(bytes);
+    data.insert(data.end(), p, p + n);
+    m_.bufferViews.push_back(v);
+    return static_cast<int>(m_.bufferViews.size()) - 1;
+}
+
+int ModelBuilder::accessor(int view, int component, int type, std::size_t count, bool normalized)
+{
+    tinygltf::Accessor a;
+    a.bufferView = view;
+    a.byteOffset = 0;
+    a.componentType = component;
+    a.type = type;
+    a.count = count;
+    a.normalized = normalized;
+    m_.accessors.push_back(a);
+    return static_cast<int>(m_.accessors.size()) - 1;
+}
+
+int ModelBuilder::positions(const std::vector<ScenePoint>& points)
+{
+    std::vector<float> f;
+    f.reserve(points.size() * 3);
+    std::vector<double> lo(3, std::numeric_limits<double>::infinity());
+    std::vector<double> hi(3, -std::numeric_limits<double>::infinity());
+    for (const ScenePoint& p : points) {
+        for (int c = 0; c < 3; ++c) {
+            const float v = static_cast<float>(p[c]);
+            f.push_back(v);
+            lo[c] = std::min(lo[c], static_cast<double>(v));
+            hi[c] = std::max(hi[c], static_cast<double>(v));
+        }
+    }
+    const int v = view(f.data(), f.size() * sizeof(float), 0, TINYGLTF_TARGET_ARRAY_BUFFER);
+    const int a = accessor(v, TINYGLTF_COMPONENT_TYPE_FLOAT, TINYGLTF_TYPE_VEC3, points.size(), false);
+    m_.accessors[static_cast<std::size_t>(a)].minValues = lo;
+    m_.accessors[static_cast<std::size_t>(a)].maxValues = hi;
+    return a;
+}
+
+int ModelBuilder::material(int colour)
+{
+    const int key = ColourPalette::known(colour) ? colour : SceneItemInfo::no_colour;
+    if (auto it = materials_.find(key); it != materials_.end()) return it->second;
+    const ColourPalette::Rgb c = ColourPalette::colour(key);
+    tinygltf::Material mat;
+    mat.name = key == SceneItemInfo::no_colour ? "no colour" : "colour " + std::to_string(key);
+    mat.pbrMetallicRoughness.baseColorFactor = {c[0] / 255.0, c[1] / 255.0, c[2] / 255.0, 1.0};
+    mat.pbrMetallicRoughness.metallicFactor = 0.0;
+    mat.pbrMetallicRoughness.roughnessFactor = 1.0;
+    mat.doubleSided = true;
+    m_.materials.push_back(mat);
+    const int index = static_cast<int>(m_.materials.size()) - 1;
+    materials_[key] = index;
+    return index;
+}
+
+int ModelBuilder::primitive_mesh(tinygltf::Primitive p, const std::string& name)
+{
+    tinygltf::Mesh mesh;
+    mesh.name = GltfWriter::utf8(name);
+    mesh.primitives.push_back(std::move(p));
+    m_.meshes.push_back(std::move(mesh));
+    return static_cast<int>(m_.meshes.size()) - 1;
+}
+
+int ModelBuilder::mesh(const SceneMesh& mesh)
+{
+    // glTF allows no empty accessor: an item without geometry is a bare node.
+    if (!mesh.is_valid()) return -1;
+    tinygltf::Primitive p;
+    p.mode = TINYGLTF_MODE_TRIANGLES;
+    p.attributes["POSITION"] = positions(mesh.vertices);
+    const int v = view(mesh.triangles.data(), mesh.triangles.size() * sizeof(mesh.triangles[0]), 0,
+                       TINYGLTF_TARGET_ELEMENT_ARRAY_BUFFER);
+    p.indices = accessor(v, TINYGLTF_COMPONENT_TYPE_UNSIGNED_INT, TINYGLTF_TYPE_SCALAR,
+                         mesh.triangles.size() * 3, false);
+    p.material = material(mesh.info.colour);
+    return primitive_mesh(std::move(p), mesh.info.name);
+}
+
+int ModelBuilder::curve(const SceneCurve& curve)
+{
+    const std::vector<ScenePoint> line = curve.sample();
+    if (line.size() < 2) return -1;
+    tinygltf::Primitive p;
+    p.mode = TINYGLTF_MODE_LINE_STRIP;
+    p.attributes["POSITION"] = positions(line);
+    p.material = material(curve.info.colour);
+    return primitive_mesh(std::move(p), curve.info.name);
+}
+
+int ModelBuilder::cloud(const ScenePointCloud& cloud)
+{
+    if (cloud.points.empty()) return -1;
+    tinygltf::Primitive p;
+    p.mode = TINYGLTF_MODE_POINTS;
+    p.attributes["POSITION"] = positions(cloud.points);
+    // Colours as normalised bytes, each padded to 4 so that every element
+    // starts on a 4-byte boundary.
+    std::vector<unsigned char> rgba;
+    rgba.reserve(cloud.colours.size() * 4);
+    for (std::size_t k = 0; k < cloud.points.size(); ++k) {
+        const auto c = cloud.colour(k);
+        rgba.insert(rgba.end(), {c[0], c[1], c[2], 0});
+    }
+    const int v = view(rgba.data(), rgba.size(), 4, TINYGLTF_TARGET_ARRAY_BUFFER);
+    p.attributes["COLOR_0"] =
+        accessor(v, TINYGLTF_COMPONENT_TYPE_UNSIGNED_BYTE, TINYGLTF_TYPE_VEC3, cloud.points.size(), true);
+    return primitive_mesh(std::move(p), cloud.info.name);
+}
+
+int ModelBuilder::item_node(const SceneItemInfo& info, int mesh)
+{
+    tinygltf::Node n;
+    n.name = GltfWriter::utf8(info.name);
+    n.mesh = mesh;
+    tinygltf::Value::Object extras{{"mangled", text(info.mangled)},
+                                   {"layer", text(info.layer)},
+                                   {"level", tinygltf::Value(info.level)}};
+    if (info.colour != SceneItemInfo::no_colour) extras["colour"] = tinygltf::Value(info.colour);
+    n.extras = tinygltf::Value(extras);
+    m_.nodes.push_back(std::move(n));
+    return static_cast<int>(m_.nodes.size()) - 1;
+}
+
+void place(tinygltf::Node& n, const ScenePlacement& m)
+{
+    const bool turns = m[0] != 1.0 || m[1] != 0.0 || m[2] != 0.0 || m[4] != 0.0 || m[5] != 1.0 ||
+                       m[6] != 0.0 || m[8] != 0.0 || m[9] != 0.0 || m[10] != 1.0;
+    if (turns) {
+        // glTF's matrix is 4 x 4 in column order.
+        n.matrix = {m[0], m[4], m[8], 0.0, m[1], m[5], m[9], 0.0,
+                    m[2], m[6], m[10], 0.0, m[3], m[7], m[11], 1.0};
+    } else if (m[3] != 0.0 || m[7] != 0.0 || m[11] != 0.0) {
+        n.translation = {m[3], m[7], m[11]};
+    }
+}
+
+int ModelBuilder::group_node(const SceneGroup& g, bool top, double scale)
+{
+    std::vector<int> children;
+    for (const SceneMember& member : g.members) {
+        switch (member.kind) {
+        case SceneMember::group: children.push_back(group_node(g.groups[member.index], false, scale)); break;
+        case SceneMember::mesh: {
+            const SceneMesh& x = g.meshes[member.index];
+            children.push_back(item_node(x.info, mesh(x)));
+            break;
+        }
+        case SceneMember::curve: {
+            const SceneCurve& x = g.curves[member.index];
+            children.push_back(item_node(x.info, curve(x)));
+            break;
+        }
+        case SceneMember::cloud: {
+            const ScenePointCloud& x = g.clouds[member.index];
+            children.push_back(item_node(x.info, cloud(x)));
+            break;
+        }
+        }
+    }
+    tinygltf::Node n;
+    n.name = GltfWriter::utf8(g.name);
+    n.children = std::move(children);
+    place(n, g.placement);
+    if (top && scale != 1.0) n.scale = {scale, scale, scale};
+    if (!top) n.extras = tinygltf::Value(tinygltf::Value::Object{{"mangled", text(g.mangled)}});
+    m_.nodes.push_back(std::move(n));
+    return static_cast<int>(m_.nodes.size()) - 1;
+}
+
+} // namespace
+
+std::string GltfWriter::utf8(const std::string& bytes)
+{
+    std::string out;
+    for (std::size_t i = 0; i < bytes.size();) {
+        if (const std::size_t len = Utf8::sequence_length(bytes, i); len > 0) {
+            out.append(bytes, i, len);
+            i += len;
+            continue;
+        }
+        // The byte read as Latin-1: the character of its own value.
+        const auto b = static_cast<unsigned char>(bytes[i++]);
+        out += static_cast<char>(0xC0 | (b >> 6));
+        out += static_cast<char>(0x80 | (b & 0x3F));
+    }
+    return out;
+}
+
+std::string GltfWriter::write(const Scene& scene, double scale, bool binary, std::ostream& out)
+{
+    tinygltf::Model m;
+    m.asset.version = "2.0";
+    m.asset.generator = "velmora convert";
+    ModelBuilder builder(m);
+    const int root = builder.group_node(scene.top, true, scale);
+    if (builder.too_large()) return "the geometry is too large for one glTF buffer";
+    tinygltf::Scene s;
+    s.name = utf8(scene.top.name);
+    s.nodes.push_back(root);
+    m.scenes.push_back(s);
+    m.defaultScene = 0;
+    // A buffer of no bytes is not allowed; a scene without geometry has none.
+    if (m.buffers[0].data.empty()) m.buffers.clear();
+    try {
+        tinygltf::TinyGLTF gltf;
+        if (!gltf.WriteGltfSceneToStream(&m, out, !binary, binary) || !out)
+            return binary ? "cannot write the binary glTF" : "cannot write the glTF text";
+    } catch (const std::exception& e) {
+        return std::string("cannot write the glTF: ") + e.what();
+    }
+    return {};
+}
