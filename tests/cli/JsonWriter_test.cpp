@@ -8,12 +8,12 @@
 #include <sstream>
 
 #include "cli/JsonWriter.h"
+#include "tests/support/testGeometry.h"
 
 namespace {
 
 double read_back(const std::string& text) { return std::strtod(text.c_str(), nullptr); }
 
-bool same_bits(double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 } // namespace
 

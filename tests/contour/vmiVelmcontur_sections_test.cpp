@@ -37,29 +37,6 @@ std::vector<std::string> names(vmiVelmcontur& doc)
     return out;
 }
 
-// A closed rectangle outline in world units, a point every 2 units along
-// its sides, so that the spline through it keeps close to the sides (it
-// rounds the corners within about a unit).
-void rectangle(double x0, double y0, double x1, double y1, std::vector<double>& x,
-               std::vector<double>& y)
-{
-    x.clear();
-    y.clear();
-    auto side = [&](double ax, double ay, double bx, double by) {
-        int n = static_cast<int>((std::fabs(bx - ax) + std::fabs(by - ay)) / 2.0);
-        for (int i = 0; i < n; ++i) {
-            x.push_back(ax + (bx - ax) * i / n);
-            y.push_back(ay + (by - ay) * i / n);
-        }
-    };
-    side(x0, y0, x1, y0);
-    side(x1, y0, x1, y1);
-    side(x1, y1, x0, y1);
-    side(x0, y1, x0, y0);
-    x.push_back(x0);
-    y.push_back(y0);
-}
-
 vmiObjGrid* finish_model(vmiVelmcontur& doc)
 {
     for (int i = 0; i < doc.no_of_objects(); ++i)
@@ -73,7 +50,7 @@ vmiObjGrid* finish_model(vmiVelmcontur& doc)
 TEST(vmiVelmcontur, HContour2_Flag2ZeroLeavesNoContourAndNoFinishModel)
 {
     std::vector<double> x, y;
-    rectangle(40, 40, 100, 200, x, y);
+    vlm::rectangle_outline(40, 40, 100, 200, x, y);
     auto doc = parse(contour_text().hcontour2("c", x, y, 0).end().text());
     EXPECT_EQ(doc->contour(), nullptr);
     EXPECT_EQ(doc->contour_map(), nullptr);
@@ -84,7 +61,7 @@ TEST(vmiVelmcontur, HContour2_Flag2ZeroLeavesNoContourAndNoFinishModel)
 TEST(vmiVelmcontur, HContour2_Flag2ZeroThenALaterHContour2MakesTheFinishModel)
 {
     std::vector<double> x, y;
-    rectangle(40, 40, 100, 200, x, y);
+    vlm::rectangle_outline(40, 40, 100, 200, x, y);
     auto doc
         = parse(contour_text().hcontour2("c", x, y, 0).hcontour2("c", x, y, 1).end().text(), 7);
     EXPECT_EQ(names(*doc), (std::vector<std::string> {"FINISH_MODEL~7"}));
@@ -93,7 +70,7 @@ TEST(vmiVelmcontur, HContour2_Flag2ZeroThenALaterHContour2MakesTheFinishModel)
 TEST(vmiVelmcontur, HContour2_Flag2WithoutOutlinePointsChangesNothing)
 {
     std::vector<double> x, y;
-    rectangle(40, 40, 100, 200, x, y);
+    vlm::rectangle_outline(40, 40, 100, 200, x, y);
     // Missing arrays, only one of them, and a single point.
     auto missing = parse(contour_text()
                              .open_height("HContour2")
@@ -150,7 +127,7 @@ TEST(vmiVelmcontur, HContour2_ContourIsACopyOfTheSplineApproximation)
 TEST(vmiVelmcontur, HContour2_FirstCurveAndFlag1AreReadAndDiscarded)
 {
     std::vector<double> x, y;
-    rectangle(40, 40, 100, 200, x, y);
+    vlm::rectangle_outline(40, 40, 100, 200, x, y);
     auto doc = parse(contour_text()
                          .open_height("HContour2")
                          .key("name", "c")
@@ -174,7 +151,7 @@ TEST(vmiVelmcontur, HContour2_TrimsTheWorkingGridToTheOutline)
     // Base grid 101 x 201 at spacing 1 (heights 5), working grid 160 x 260
     // with the base at (30, 30); the outline is a rectangle inside the base.
     std::vector<double> x, y;
-    rectangle(50, 60, 110, 200, x, y);
+    vlm::rectangle_outline(50, 60, 110, 200, x, y);
     auto doc
         = parse(contour_text().hcontour2("c", x, y).end().text(), 4, flat_grid(101, 201, 5.0).release());
     ASSERT_NE(doc->contour_map(), nullptr);
@@ -196,7 +173,7 @@ TEST(vmiVelmcontur, HContour2_TrimsTheWorkingGridToTheOutline)
 TEST(vmiVelmcontur, HContour2_FinishModelTakesTheWorkingGridAndReleasesTheBaseGrid)
 {
     std::vector<double> x, y;
-    rectangle(50, 60, 110, 200, x, y);
+    vlm::rectangle_outline(50, 60, 110, 200, x, y);
     auto doc = parse(contour_text().hcontour2("c", x, y).end().text(), 12,
                      flat_grid(101, 201, 5.0).release());
     ASSERT_EQ(doc->no_of_objects(), 1);
@@ -213,8 +190,8 @@ TEST(vmiVelmcontur, HContour2_FinishModelTakesTheWorkingGridAndReleasesTheBaseGr
 TEST(vmiVelmcontur, HContour2_SecondHContour2ReplacesContourAndMap)
 {
     std::vector<double> x, y, x2, y2;
-    rectangle(50, 60, 110, 200, x, y);
-    rectangle(60, 70, 100, 190, x2, y2);
+    vlm::rectangle_outline(50, 60, 110, 200, x, y);
+    vlm::rectangle_outline(60, 70, 100, 190, x2, y2);
     auto doc = parse(contour_text().hcontour2("a", x, y).hcontour2("b", x2, y2).end().text());
     ASSERT_NE(doc->contour(), nullptr);
     EXPECT_EQ(doc->contour()->point(0).x(), 60.0);
@@ -289,7 +266,7 @@ TEST(vmiVelmcontur, Sections_EverySectionsKeysAreReadSoTheFileParsesOn)
     // Every height section with all its keys, arrays on one line each with
     // exactly their counts; then the blank and the outline still take effect.
     std::vector<double> x, y;
-    rectangle(50, 60, 110, 200, x, y);
+    vlm::rectangle_outline(50, 60, 110, 200, x, y);
     const std::vector<double> sixteen(16, 1.0), twelve(12, 1.0), five(5, 1.0), two(2, 1.0);
     contour_text t;
     t.open_height("HPelotteS").key("name", "pad").key("flag", 1).key("xm", 2).key("ym", 3);
@@ -384,7 +361,7 @@ std::vector<double> untouched_heights()
 contour_text& flat_pad(contour_text& t, int typus, double awert, bool x_before_count = false)
 {
     std::vector<double> x, y;
-    rectangle(40, 40, 60, 60, x, y);
+    vlm::rectangle_outline(40, 40, 60, 60, x, y);
     t.open_height("HPelotte").key("name", "pad").key("typus", typus);
     if (x_before_count)
         t.array("x", x);
@@ -699,7 +676,7 @@ TEST(vmiVelmcontur, HGlaett_FactorThreeWithAContourSmoothsOnlyInsideIt)
     vmiBaseGrid* base = flat_grid(41, 41, base_z).release();
     base->point(20, 20).z() = 30.0;
     std::vector<double> x, y;
-    rectangle(40, 40, 60, 60, x, y);
+    vlm::rectangle_outline(40, 40, 60, 60, x, y);
     auto doc = parse(contour_text()
                          .hcontour2("c", x, y)
                          .open_height("HGlaett")
@@ -764,7 +741,7 @@ TEST(vmiVelmcontur, HFFootMod_WithMinZShiftsBelowAndFlattensBeyond)
 TEST(vmiVelmcontur, HSprenglinie_WithSelcountZeroChangesNothing)
 {
     std::vector<double> x, y;
-    rectangle(40, 40, 60, 60, x, y);
+    vlm::rectangle_outline(40, 40, 60, 60, x, y);
     auto with = [&](int selcount) {
         contour_text t;
         t.hcontour2("c", x, y).open_height("HSprenglinie").key("selcount", selcount);
@@ -794,7 +771,7 @@ TEST(vmiVelmcontur, HSprenglinie_WithoutAContourChangesNothing)
 TEST(vmiVelmcontur, HSprenglinie_NegativeSelcountChangesNothing)
 {
     std::vector<double> x, y;
-    rectangle(40, 40, 60, 60, x, y);
+    vlm::rectangle_outline(40, 40, 60, 60, x, y);
     contour_text t;
     t.hcontour2("c", x, y).open_height("HSprenglinie").key("selcount", 1);
     t.array("hsel", {4.0}).int_array("hpos", {10}).key("selcount", -1).close_height().end();
@@ -807,7 +784,7 @@ TEST(vmiVelmcontur, HSprenglinie_NegativeSelcountChangesNothing)
 TEST(vmiVelmcontur, HSprenglinie_LiftsTheStationRowByAboutItsHeight)
 {
     std::vector<double> x, y;
-    rectangle(40, 40, 60, 60, x, y);
+    vlm::rectangle_outline(40, 40, 60, 60, x, y);
     // The design's contour comes first: the station counts rows from its
     // first row (40), so it stands on row 50.
     contour_text t;
@@ -825,7 +802,7 @@ TEST(vmiVelmcontur, HTorsion_AddsNothingOnItsAxisAndGrowsTowardsTheContour)
 {
     std::vector<double> x, y;
     // The contour reaches 15 units left of the axis and 18 right of it.
-    rectangle(35, 35, 68, 65, x, y);
+    vlm::rectangle_outline(35, 35, 68, 65, x, y);
     // A vertical torsion axis at x = 50, the middle line at y = 50, both side
     // lines open (the lower at -1, the upper to the grid's end): every node
     // left of the axis rises by its distance from the axis over the distance

@@ -39,32 +39,11 @@ std::string flat_scan(bool bump)
     return vlm::chunk_chain(vlm::grid_entry(g), 4000);
 }
 
-// A closed square outline, a point every 2 mm along its sides.
-void square(double x0, double y0, double x1, double y1, std::vector<double>& x,
-            std::vector<double>& y)
-{
-    x.clear();
-    y.clear();
-    auto side = [&](double ax, double ay, double bx, double by) {
-        int n = static_cast<int>((std::fabs(bx - ax) + std::fabs(by - ay)) / 2.0);
-        for (int i = 0; i < n; ++i) {
-            x.push_back(ax + (bx - ax) * i / n);
-            y.push_back(ay + (by - ay) * i / n);
-        }
-    };
-    side(x0, y0, x1, y0);
-    side(x1, y0, x1, y1);
-    side(x1, y1, x0, y1);
-    side(x0, y1, x0, y0);
-    x.push_back(x0);
-    y.push_back(y0);
-}
-
 // A design: the working grid, the insole outline, then the sections.
 contour_text design(double outline_right = 65.0)
 {
     std::vector<double> x, y;
-    square(35, 35, outline_right, 65, x, y);
+    vlm::rectangle_outline(35, 35, outline_right, 65, x, y);
     contour_text t("0001 design");
     t.kerneldata(100, 100, 1.0, 1.0, 30.0, 30.0);
     t.hcontour2("insole", x, y);
@@ -74,7 +53,7 @@ contour_text design(double outline_right = 65.0)
 contour_text& flat_pad(contour_text& t)
 {
     std::vector<double> x, y;
-    square(40, 40, 60, 60, x, y);
+    vlm::rectangle_outline(40, 40, 60, 60, x, y);
     return t.open_height("HPelotte")
         .key("typus", 0)
         .key("nanz", static_cast<int>(x.size()))

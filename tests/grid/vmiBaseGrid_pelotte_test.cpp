@@ -2,6 +2,7 @@
 
 #include "contour/vmiPolylineGridMap.h"
 #include "curves/m03DVector.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
@@ -12,15 +13,6 @@
 namespace {
 
 constexpr int grid_n = 16;
-
-std::unique_ptr<m03DVector> polyline(std::initializer_list<m03DPoint> pts)
-{
-    auto v = std::make_unique<m03DVector>(static_cast<int>(pts.size()));
-    int i = 0;
-    for (const m03DPoint& p : pts)
-        v->set_point(i++, p);
-    return v;
-}
 
 // The pad's outline: a closed rectangle through lattice points, columns 2 ... 12
 // and rows 3 ... 13. Its map crosses rows 3 ... 13 at columns 2 and 12.

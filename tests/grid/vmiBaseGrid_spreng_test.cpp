@@ -3,6 +3,7 @@
 #include "contour/vmiPolylineGridMap.h"
 #include "curves/m03DVector.h"
 #include "curves/m0BspCurve.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
@@ -15,15 +16,6 @@
 namespace {
 
 constexpr double E = vmiBaseGrid::empty_z;
-
-std::unique_ptr<m03DVector> polyline(std::initializer_list<m03DPoint> pts)
-{
-    auto v = std::make_unique<m03DVector>(static_cast<int>(pts.size()));
-    int i = 0;
-    for (const m03DPoint& p : pts)
-        v->set_point(i++, p);
-    return v;
-}
 
 std::unique_ptr<vmiBaseGrid> flat_grid(int x_size, int y_size, double z)
 {

@@ -6,6 +6,7 @@
 #include "curves/m03SplineCurve.h"
 #include "curves/m0BspCurve.h"
 #include "grid/vmiBaseGrid.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
@@ -78,15 +79,6 @@ double* copy_array(const std::vector<double>& values)
     for (size_t k = 0; k < values.size(); k++)
         a[k] = values[k];
     return a;
-}
-
-m03DVector* polyline(std::initializer_list<m03DPoint> pts)
-{
-    auto* v = new m03DVector(static_cast<int>(pts.size()));
-    int i = 0;
-    for (const m03DPoint& p : pts)
-        v->set_point(i++, p);
-    return v;
 }
 
 m01DVector* values(std::initializer_list<double> vs)
@@ -601,7 +593,7 @@ TEST(vmiHPelotte, InitAngles_RiseOnceRoundFromTheStartAngle)
     // the start and is taken one turn on; the last repeats the first a turn on.
     vmiHPelotte pad(nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0.0, 0.0);
     Probe::set_frame(pad, m03DPoint(0.0, 0.0, 0.0));
-    Probe::set_polyline(pad, polyline({{4, 0, 0}, {0, 4, 0}, {-4, 0, 0}, {0, -4, 0}, {4, 0, 0}}));
+    Probe::set_polyline(pad, points_of({{4, 0, 0}, {0, 4, 0}, {-4, 0, 0}, {0, -4, 0}, {4, 0, 0}}));
     Probe::init_angles(pad);
     m01DVector* a = Probe::angles(pad);
     ASSERT_NE(a, nullptr);
@@ -618,7 +610,7 @@ TEST(vmiHPelotte, InitAngles_AngleAboveTheStartStaysAsItIs)
 {
     vmiHPelotte pad(nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0.0, 0.0);
     Probe::set_frame(pad, m03DPoint(0.0, 0.0, 0.0));
-    Probe::set_polyline(pad, polyline({{0, 4, 0}, {-4, 0, 0}, {0, -4, 0}, {4, 0, 0}, {0, 4, 0}}));
+    Probe::set_polyline(pad, points_of({{0, 4, 0}, {-4, 0, 0}, {0, -4, 0}, {4, 0, 0}, {0, 4, 0}}));
     Probe::init_angles(pad);
     m01DVector* a = Probe::angles(pad);
     ASSERT_NE(a, nullptr);
@@ -634,7 +626,7 @@ TEST(vmiHPelotte, InitAngles_AngleEqualToTheStartIsNotTurnedOn)
     // Only an angle below the start is taken one turn on.
     vmiHPelotte pad(nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0.0, 0.0);
     Probe::set_frame(pad, m03DPoint(0.0, 0.0, 0.0));
-    Probe::set_polyline(pad, polyline({{0, 4, 0}, {0, 9, 0}, {4, 0, 0}, {0, 4, 0}}));
+    Probe::set_polyline(pad, points_of({{0, 4, 0}, {0, 9, 0}, {4, 0, 0}, {0, 4, 0}}));
     Probe::init_angles(pad);
     m01DVector* a = Probe::angles(pad);
     ASSERT_NE(a, nullptr);
@@ -646,7 +638,7 @@ TEST(vmiHPelotte, InitAngles_OnePointPolylineGivesOneAngleAndNoneGivesNoAngles)
 {
     vmiHPelotte pad(nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0.0, 0.0);
     Probe::set_frame(pad, m03DPoint(0.0, 0.0, 0.0));
-    Probe::set_polyline(pad, polyline({{0, 4, 0}}));
+    Probe::set_polyline(pad, points_of({{0, 4, 0}}));
     Probe::init_angles(pad);
     ASSERT_NE(Probe::angles(pad), nullptr);
     ASSERT_EQ(Probe::angles(pad)->size(), 1);
@@ -666,7 +658,7 @@ TEST(vmiHPelotte, GetPointOnBound_InterpolatesBetweenTheBracketingAngles)
     Probe::set_frame(pad, m03DPoint(0.0, 0.0, 0.0));
     // The last point differs from the first, so that it shows which end is taken.
     Probe::set_polyline(
-        pad, polyline({{10, 0, 0}, {0, 10, 0}, {-10, 0, 0}, {0, -10, 0}, {9, 1, 0}}));
+        pad, points_of({{10, 0, 0}, {0, 10, 0}, {-10, 0, 0}, {0, -10, 0}, {9, 1, 0}}));
     Probe::set_angles(pad, values({0.5, 1.5, 2.5, 3.5, 0.5 + two_pi}), 0.5);
     m03DPoint p = Probe::point_on_bound(pad, 1.0);
     EXPECT_EQ(p.x(), 5.0);
@@ -689,7 +681,7 @@ TEST(vmiHPelotte, GetPointOnBound_TwoAnglesAlwaysUseTheFirstSegment)
 {
     vmiHPelotte pad(nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0.0, 0.0);
     Probe::set_frame(pad, m03DPoint(0.0, 0.0, 0.0));
-    Probe::set_polyline(pad, polyline({{2, 0, 0}, {4, 0, 0}}));
+    Probe::set_polyline(pad, points_of({{2, 0, 0}, {4, 0, 0}}));
     Probe::set_angles(pad, values({1.0, 2.0}), 1.0);
     m03DPoint p = Probe::point_on_bound(pad, 3.5);  // beyond the segment: extended
     EXPECT_EQ(p.x(), 2.0 * (1 - 2.5) + 4.0 * 2.5);
@@ -699,7 +691,7 @@ TEST(vmiHPelotte, GetPointOnBound_TooFewAnglesGiveTheCentre)
 {
     vmiHPelotte pad(nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0.0, 0.0);
     Probe::set_frame(pad, m03DPoint(3.0, 4.0, 0.0));
-    Probe::set_polyline(pad, polyline({{10, 0, 0}}));
+    Probe::set_polyline(pad, points_of({{10, 0, 0}}));
     Probe::set_angles(pad, values({1.0}), 1.0);
     EXPECT_TRUE(Probe::point_on_bound(pad, 1.5) == m03DPoint(3.0, 4.0, 0.0));
     // Angles without a polyline as long as them, or none at all.
@@ -713,7 +705,7 @@ TEST(vmiHPelotte, GetPointOnBound_EqualAnglesGiveANonFinitePointInBounds)
 {
     vmiHPelotte pad(nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0.0, 0.0);
     Probe::set_frame(pad, m03DPoint(0.0, 0.0, 0.0));
-    Probe::set_polyline(pad, polyline({{2, 0, 0}, {4, 0, 0}, {5, 0, 0}}));
+    Probe::set_polyline(pad, points_of({{2, 0, 0}, {4, 0, 0}, {5, 0, 0}}));
     Probe::set_angles(pad, values({1.0, 1.0, 1.0}), 1.0);
     m03DPoint p = Probe::point_on_bound(pad, 1.0);
     EXPECT_FALSE(std::isfinite(p.x()));
@@ -728,7 +720,7 @@ TEST(vmiHPelotte, Height_ZeroBoundaryRadiusGivesTheEndHeight)
     Probe::set_h(*pad, 2.0);
     Probe::init_curves(*pad);
     ASSERT_NE(Probe::profile(*pad), nullptr);
-    Probe::set_polyline(*pad, polyline({{cx, cy, 0}, {cx, cy, 0}}));
+    Probe::set_polyline(*pad, points_of({{cx, cy, 0}, {cx, cy, 0}}));
     Probe::set_angles(*pad, values({0.0, two_pi}), 0.0);
     EXPECT_EQ(Probe::height(*pad, 0, 18, 15), 0.0);
     EXPECT_EQ(Probe::height(*pad, 0, 12, 11), 0.0);
@@ -740,7 +732,7 @@ TEST(vmiHPelotte, Height_TooFewAnglesGiveTheEndHeight)
     auto pad = make_pad(g.get(), linear_xb, linear_yb);
     Probe::set_h(*pad, 2.0);
     Probe::init_curves(*pad);
-    Probe::set_polyline(*pad, polyline({{cx + 8, cy, 0}}));
+    Probe::set_polyline(*pad, points_of({{cx + 8, cy, 0}}));
     Probe::set_angles(*pad, values({two_pi}), two_pi);
     EXPECT_EQ(Probe::height(*pad, 0, 18, 15), 0.0);
     EXPECT_EQ(Probe::height(*pad, 0, 15, 15), 2.0);  // the centre still stands at the top
@@ -845,14 +837,14 @@ TEST(vmiHPelotte, CreateBspCurve_NullPointsOrOrderBelowTwoGiveNull)
     vmiHPelotte pad(nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0.0, 0.0);
     EXPECT_EQ(Probe::create_bsp_curve(pad, nullptr, 4), nullptr);
     // The points are released with the curve not made.
-    EXPECT_EQ(Probe::create_bsp_curve(pad, polyline({{0, 0, 0}, {1, 0, 0}}), 1), nullptr);
-    EXPECT_EQ(Probe::create_bsp_curve(pad, polyline({{0, 0, 0}, {1, 0, 0}}), -5), nullptr);
+    EXPECT_EQ(Probe::create_bsp_curve(pad, points_of({{0, 0, 0}, {1, 0, 0}}), 1), nullptr);
+    EXPECT_EQ(Probe::create_bsp_curve(pad, points_of({{0, 0, 0}, {1, 0, 0}}), -5), nullptr);
 }
 
 TEST(vmiHPelotte, CreateBspCurve_SevenPointsOfOrderFourJoinTwoBezierSegments)
 {
     vmiHPelotte pad(nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0.0, 0.0);
-    m03DVector* pts = polyline(
+    m03DVector* pts = points_of(
         {{0, 0, 0}, {1, 1, 0}, {2, 1, 0}, {3, 0, 0}, {4, -1, 0}, {5, -1, 0}, {6, 0, 0}});
     std::unique_ptr<m0BspCurve> c(Probe::create_bsp_curve(pad, pts, 4));
     ASSERT_NE(c, nullptr);
@@ -869,7 +861,7 @@ TEST(vmiHPelotte, CreateBspCurve_FewerPointsThanTheOrderEndInOnes)
 {
     vmiHPelotte pad(nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0.0, 0.0);
     std::unique_ptr<m0BspCurve> c(
-        Probe::create_bsp_curve(pad, polyline({{0, 0, 0}, {1, 1, 0}, {2, 0, 0}}), 5));
+        Probe::create_bsp_curve(pad, points_of({{0, 0, 0}, {1, 1, 0}, {2, 0, 0}}), 5));
     ASSERT_NE(c, nullptr);
     const std::vector<double> knots = {0, 0, 0, 0, 0, 1, 1, 1};
     ASSERT_EQ(c->knot_vector()->size(), 8);

@@ -3,6 +3,7 @@
 #include "contour/vmiPolylineGridMap.h"
 #include "curves/m03DVector.h"
 #include "grid/vmiBaseGrid.h"
+#include "tests/support/testGeometry.h"
 
 #include <gtest/gtest.h>
 
@@ -32,15 +33,6 @@ using Probe = vmiHTorsionProbe;
 constexpr double E = vmiBaseGrid::empty_z;
 constexpr int N = 11;           // the test grid is N x N nodes, spacing 1
 constexpr double base_z = 1.0;  // every node starts at this height
-
-std::unique_ptr<m03DVector> polyline(std::initializer_list<m03DPoint> pts)
-{
-    auto v = std::make_unique<m03DVector>(static_cast<int>(pts.size()));
-    int i = 0;
-    for (const m03DPoint& p : pts)
-        v->set_point(i++, p);
-    return v;
-}
 
 // Columns 1 ... 9 over every row 0 ... 10: each row is crossed at 1 and 9.
 std::unique_ptr<m03DVector> band_outline()

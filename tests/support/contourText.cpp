@@ -177,4 +177,24 @@ std::string small_design(bool finished)
     return t.end().text();
 }
 
+void rectangle_outline(double x0, double y0, double x1, double y1, std::vector<double>& x,
+                       std::vector<double>& y)
+{
+    x.clear();
+    y.clear();
+    auto side = [&](double ax, double ay, double bx, double by) {
+        int n = static_cast<int>((std::fabs(bx - ax) + std::fabs(by - ay)) / 2.0);
+        for (int i = 0; i < n; ++i) {
+            x.push_back(ax + (bx - ax) * i / n);
+            y.push_back(ay + (by - ay) * i / n);
+        }
+    };
+    side(x0, y0, x1, y0);
+    side(x1, y0, x1, y1);
+    side(x1, y1, x0, y1);
+    side(x0, y1, x0, y0);
+    x.push_back(x0);
+    y.push_back(y0);
+}
+
 }  // namespace vlm

@@ -77,4 +77,10 @@ void foot_outline(int n, double x0, double y0, double width, double length, std:
 // entry (as a chunk chain, or raw).
 std::string small_design(bool finished = true);
 
+// A closed rectangle outline from (x0, y0) to (x1, y1), a point every 2 units
+// along its sides (the last equal to the first), so that a spline through it
+// keeps close to the sides and rounds the corners within about a unit.
+void rectangle_outline(double x0, double y0, double x1, double y1, std::vector<double>& x,
+                       std::vector<double>& y);
+
 }  // namespace vlm

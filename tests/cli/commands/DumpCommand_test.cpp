@@ -47,14 +47,7 @@ std::string scan_model(int nx, int ny)
 
 std::string design()
 {
-    std::vector<double> x, y, xi, yi;
-    vlm::foot_outline(31, 10, 10, 40, 90, x, y);
-    vlm::foot_outline(31, 12, 12, 36, 86, xi, yi);
-    vlm::contour_text t("0001 design");
-    t.kerneldata(60, 110, 1.0, 1.0, 10.0, 10.0);
-    t.rohlingsdaten("sole", x, y, {}, {}, {}, 3.0, 8.0);
-    t.hcontour2("insole", xi, yi);
-    return vlm::chunk_chain(t.end().text(), 1000);
+    return vlm::chunk_chain(vlm::small_design(), 1000);
 }
 
 // A left scan, a right scan and a model over the left one, in one visit.
