@@ -43,23 +43,31 @@ std::vector<char> read_input(std::istream& in, std::int64_t c)
 }
 
 // The chunks' content, each at the sum of the declared sizes before it, cut
-// to total bytes; bytes a chunk did not produce stay zero.
-char* join(const std::vector<chunk>& chunks, std::int64_t total)
+// to total bytes; bytes a chunk did not produce stay zero. Each chunk's own
+// buffer is released once copied, so that an entry near max_entry_bytes
+// never stands in memory twice (the joined buffer's pages are touched only
+// as they are written).
+char* join(std::vector<chunk>& chunks, std::int64_t total)
 {
     char* out = new (std::nothrow) char[static_cast<std::size_t>(total)];
     if (!out)
         return nullptr;
-    std::memset(out, 0, static_cast<std::size_t>(total));
     std::int64_t at = 0;
-    for (const chunk& k : chunks) {
+    std::int64_t filled = 0;  // bytes of out written so far, from its start
+    for (chunk& k : chunks) {
         if (at >= total)
             break;
         const std::int64_t n = std::min<std::int64_t>(static_cast<std::int64_t>(k.produced.size()), total - at);
         // A chunk that produced nothing has no buffer to copy from.
-        if (n > 0)
+        if (n > 0) {
+            std::memset(out + filled, 0, static_cast<std::size_t>(at - filled));
             std::memcpy(out + at, k.produced.data(), static_cast<std::size_t>(n));
+            filled = at + n;
+        }
+        std::vector<char>().swap(k.produced);
         at += k.declared;
     }
+    std::memset(out + filled, 0, static_cast<std::size_t>(total - filled));
     return out;
 }
 

@@ -42,6 +42,12 @@ std::string nothing_imported(const std::string& path)
     return reasons.empty() ? "nothing imported" : "nothing imported: " + reasons.front();
 }
 
+std::string no_geometry_imported(const std::string& path)
+{
+    const std::vector<std::string> reasons = ReadDiagnosis::of(path);
+    return reasons.empty() ? std::string() : "no geometry imported: " + reasons.front();
+}
+
 std::vector<std::string> ReadDiagnosis::of(const std::string& path)
 {
     ReadDiagnosis diagnosis(path);

@@ -12,6 +12,10 @@
 // The message of an import that produced nothing: "nothing imported", and
 // the first reason the reader gives for path when it gives one.
 std::string nothing_imported(const std::string& path);
+// The message of an import that produced groups but no geometry (every
+// record skipped, say for a bound): "no geometry imported" and the first
+// reason the reader gives for path, or empty when it gives none.
+std::string no_geometry_imported(const std::string& path);
 
 class ReadDiagnosis : public vmiReadObserver {
 public:

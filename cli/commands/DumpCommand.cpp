@@ -13,6 +13,14 @@
 
 namespace {
 
+bool holds_geometry(const std::vector<std::unique_ptr<DumpItem>>& items)
+{
+    for (const std::unique_ptr<DumpItem>& item : items)
+        if (item->kind != DumpItem::group || holds_geometry(item->children))
+            return true;
+    return false;
+}
+
 const char* help_footer()
 {
     return "Prints one JSON document (format \"velmora-dump\", version 1): the plug-in's identity,\n"
@@ -82,5 +90,10 @@ int DumpCommand::run(std::ostream& out, std::ostream& err) const
         CommandInputs::report(err, "dump", file, nothing_imported(file));
         return exit_nothing_imported;
     }
+    // Groups alone still count as an import; why their records were skipped
+    // (a bound, an option) is said all the same.
+    if (!holds_geometry(sink.top()))
+        if (const std::string why = no_geometry_imported(file); !why.empty())
+            err << "velmora dump: " << file << ": " << why << '\n';
     return exit_success;
 }
