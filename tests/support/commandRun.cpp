@@ -95,6 +95,8 @@ measured_run run_measured(const std::string& program, const std::vector<std::str
     }
     const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
     r.seconds = spent.count();
+    r.cpu_seconds = static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec)
+        + static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) * 1e-6;
     r.max_rss_kb = usage.ru_maxrss;
     r.status = WIFEXITED(st) ? WEXITSTATUS(st) : -1;
     r.signal = WIFSIGNALED(st) ? WTERMSIG(st) : 0;

@@ -25,6 +25,9 @@ struct measured_run {
     int signal = 0;         // the signal that ended it, else 0
     bool killed = false;    // still running after the patience given, so killed
     double seconds = 0.0;   // wall-clock time from start to end
+    // Processor time the program spent (user and system): what its work
+    // cost, whatever else the machine was doing meanwhile.
+    double cpu_seconds = 0.0;
     long max_rss_kb = 0;    // peak resident memory (the child's own ru_maxrss)
     std::string err;
 };
