@@ -18,6 +18,7 @@
 #include <cstdlib>
 #include <functional>
 #include <limits>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -367,6 +368,12 @@ struct hostile {
     std::function<vlm::archive()> make;
     verdict v;
 };
+
+// Named by its fault in test listings.
+void PrintTo(const hostile& h, std::ostream* os)
+{
+    *os << h.name;
+}
 
 std::vector<hostile> container_faults()
 {
