@@ -17,10 +17,8 @@ void append_byte_escape(std::string& out, unsigned char b)
 
 } // namespace
 
-std::string json_string(std::string_view bytes)
+void append_json_string(std::string& out, std::string_view bytes)
 {
-    std::string out;
-    out.reserve(bytes.size() + 2);
     out += '"';
     for (std::size_t i = 0; i < bytes.size();) {
         const unsigned char b = static_cast<unsigned char>(bytes[i]);
@@ -50,23 +48,60 @@ std::string json_string(std::string_view bytes)
         ++i;
     }
     out += '"';
+}
+
+void append_json_number(std::string& out, double value)
+{
+    if (std::isnan(value)) {
+        out += "\"NaN\"";
+        return;
+    }
+    if (std::isinf(value)) {
+        out += value > 0 ? "\"Infinity\"" : "\"-Infinity\"";
+        return;
+    }
+    char buf[64];
+    // std::to_chars without a format gives the shortest form that reads back
+    // to the same double.
+    const auto res = std::to_chars(buf, buf + sizeof buf, value);
+    const std::string_view text(buf, static_cast<std::size_t>(res.ptr - buf));
+    out.append(text);
+    if (text.find_first_of(".e") == std::string_view::npos) out += ".0";
+}
+
+std::string json_string(std::string_view bytes)
+{
+    std::string out;
+    out.reserve(bytes.size() + 2);
+    append_json_string(out, bytes);
     return out;
 }
 
 std::string json_number(double value)
 {
-    if (std::isnan(value)) return "\"NaN\"";
-    if (std::isinf(value)) return value > 0 ? "\"Infinity\"" : "\"-Infinity\"";
-    char buf[64];
-    // std::to_chars without a format gives the shortest form that reads back
-    // to the same double.
-    const auto res = std::to_chars(buf, buf + sizeof buf, value);
-    std::string text(buf, res.ptr);
-    if (text.find_first_of(".e") == std::string::npos) text += ".0";
-    return text;
+    std::string out;
+    append_json_number(out, value);
+    return out;
 }
 
-JsonWriter::JsonWriter(std::ostream& out, bool pretty) : out_(out), pretty_(pretty) {}
+JsonWriter::JsonWriter(std::ostream& out, bool pretty) : out_(out), pretty_(pretty)
+{
+    text_.reserve(flush_size + flush_size / 4);
+}
+
+JsonWriter::~JsonWriter() { flush(); }
+
+void JsonWriter::flush()
+{
+    if (text_.empty()) return;
+    out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
+    text_.clear();
+}
+
+void JsonWriter::maybe_flush()
+{
+    if (text_.size() >= flush_size) flush();
+}
 
 bool JsonWriter::inline_here() const
 {
@@ -75,8 +110,8 @@ bool JsonWriter::inline_here() const
 
 void JsonWriter::newline_indent()
 {
-    out_ << '\n';
-    for (std::size_t i = 0; i < levels_.size(); ++i) out_ << "  ";
+    text_ += '\n';
+    text_.append(2 * levels_.size(), ' ');
 }
 
 void JsonWriter::before_value()
@@ -88,7 +123,8 @@ void JsonWriter::before_value()
     if (levels_.empty()) return;
     const bool single_line = inline_here();
     Level& top = levels_.back();
-    if (!top.empty) out_ << (single_line && pretty_ ? ", " : ",");
+    maybe_flush();
+    if (!top.empty) text_ += single_line && pretty_ ? ", " : ",";
     top.empty = false;
     if (!single_line) newline_indent();
 }
@@ -96,7 +132,7 @@ void JsonWriter::before_value()
 void JsonWriter::open(char bracket, bool single_line)
 {
     before_value();
-    out_ << bracket;
+    text_ += bracket;
     levels_.push_back({single_line, true, bracket == '{' ? '}' : ']'});
     single_line_levels_ += single_line ? 1 : 0;
 }
@@ -111,7 +147,7 @@ void JsonWriter::close(char bracket)
     single_line_levels_ -= levels_.back().single_line ? 1 : 0;
     levels_.pop_back();
     if (!was_empty && !was_inline) newline_indent();
-    out_ << bracket;
+    text_ += bracket;
 }
 
 JsonWriter& JsonWriter::begin_object(bool single_line) { open('{', single_line); return *this; }
@@ -122,7 +158,8 @@ JsonWriter& JsonWriter::end_array() { close(']'); return *this; }
 JsonWriter& JsonWriter::key(std::string_view name)
 {
     before_value();
-    out_ << json_string(name) << (pretty_ ? ": " : ":");
+    append_json_string(text_, name);
+    text_ += pretty_ ? ": " : ":";
     after_key_ = true;
     return *this;
 }
@@ -130,40 +167,43 @@ JsonWriter& JsonWriter::key(std::string_view name)
 JsonWriter& JsonWriter::string(std::string_view bytes)
 {
     before_value();
-    out_ << json_string(bytes);
+    append_json_string(text_, bytes);
     return *this;
 }
 
 JsonWriter& JsonWriter::number(double value)
 {
     before_value();
-    out_ << json_number(value);
+    append_json_number(text_, value);
     return *this;
 }
 
 JsonWriter& JsonWriter::integer(std::int64_t value)
 {
     before_value();
-    out_ << value;
+    char buf[24];
+    const auto res = std::to_chars(buf, buf + sizeof buf, value);
+    text_.append(buf, static_cast<std::size_t>(res.ptr - buf));
     return *this;
 }
 
 JsonWriter& JsonWriter::boolean(bool value)
 {
     before_value();
-    out_ << (value ? "true" : "false");
+    text_ += value ? "true" : "false";
     return *this;
 }
 
 JsonWriter& JsonWriter::null()
 {
     before_value();
-    out_ << "null";
+    text_ += "null";
     return *this;
 }
 
 void JsonWriter::finish()
 {
     while (!levels_.empty()) close(levels_.back().closer);
-    out_ << '\n';
+    text_ += '\n';
+    flush();
 }

@@ -22,11 +22,23 @@ std::string json_string(std::string_view bytes);
 // written as the strings "NaN", "Infinity" and "-Infinity".
 std::string json_number(double value);
 
+// The same texts appended to out, for writers that build a document in a
+// string rather than making a string per value.
+void append_json_string(std::string& out, std::string_view bytes);
+void append_json_number(std::string& out, double value);
+
+// The text is built in a string and handed to the stream in large blocks: a
+// dump holds millions of tokens, and a stream insertion per token costs more
+// than formatting them. Everything written reaches the stream by finish() or
+// when the writer is destroyed.
 class JsonWriter {
 public:
     // pretty: members and elements on their own lines, indented by two spaces
     // per level; otherwise one line without spaces.
     explicit JsonWriter(std::ostream& out, bool pretty = true);
+    ~JsonWriter();
+    JsonWriter(const JsonWriter&) = delete;
+    JsonWriter& operator=(const JsonWriter&) = delete;
 
     // A container opened with single_line = true is written on one line in
     // pretty mode, with everything nested in it (for short records and
@@ -49,6 +61,11 @@ public:
     void finish();
 
 private:
+    // Bytes gathered before they are handed to the stream: large enough that
+    // a write costs nothing beside the formatting, small enough not to count
+    // in the memory of a run.
+    static constexpr std::size_t flush_size = 1 << 16;
+
     struct Level {
         bool single_line;
         bool empty;
@@ -56,12 +73,15 @@ private:
     };
 
     void before_value();
+    void flush();
+    void maybe_flush();
     void open(char bracket, bool single_line);
     void close(char bracket);
     void newline_indent();
     bool inline_here() const;
 
     std::ostream& out_;
+    std::string text_;
     bool pretty_;
     bool after_key_ = false;
     std::vector<Level> levels_;

@@ -86,26 +86,6 @@ void vmiBaseGrid::make_empty()
 // ---------------------------------------------------------------------------
 // Node access
 
-m03DPoint& vmiBaseGrid::point(const int& i, const int& j)
-{
-    if (i < 0 || i >= x_size_ || j < 0 || j >= y_size_)
-        return fallback_;
-    long long k = static_cast<long long>(j) * x_size_ + i;
-    if (points_ == nullptr || k >= capacity_)
-        return fallback_;
-    return points_[k];
-}
-
-void vmiBaseGrid::point(const int& i, const int& j, const m03DPoint& p)
-{
-    if (i < 0 || i >= x_size_ || j < 0 || j >= y_size_)
-        return;
-    long long k = static_cast<long long>(j) * x_size_ + i;
-    if (points_ == nullptr || k >= capacity_)
-        return;
-    points_[k] = p;
-}
-
 int vmiBaseGrid::intf(double v)
 {
     // NaN and values beyond the bound land far outside every grid.

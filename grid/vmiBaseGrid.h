@@ -169,3 +169,25 @@ private:
     // they write there.
     long long capacity_ = 0;
 };
+
+// The node accessors are defined here so that the grid loops of every layer
+// inline them: they run for every node of every pass over a grid.
+inline m03DPoint& vmiBaseGrid::point(const int& i, const int& j)
+{
+    if (i < 0 || i >= x_size_ || j < 0 || j >= y_size_)
+        return fallback_;
+    const long long k = static_cast<long long>(j) * x_size_ + i;
+    if (points_ == nullptr || k >= capacity_)
+        return fallback_;
+    return points_[k];
+}
+
+inline void vmiBaseGrid::point(const int& i, const int& j, const m03DPoint& p)
+{
+    if (i < 0 || i >= x_size_ || j < 0 || j >= y_size_)
+        return;
+    const long long k = static_cast<long long>(j) * x_size_ + i;
+    if (points_ == nullptr || k >= capacity_)
+        return;
+    points_[k] = p;
+}

@@ -76,7 +76,7 @@ int DumpCommand::run(std::ostream& out, std::ostream& err) const
     DumpDocument doc;
     // Asked before the read, as a host asks before it reads.
     doc.identity = plugin.identity();
-    DumpSink sink;
+    DumpSink sink(summary);
     const PluginLoader::Outcome outcome = plugin.import_archive(file, CommandInputs::plugin_options(options), sink);
     if (outcome == PluginLoader::no_library) {
         CommandInputs::report(err, "dump", plugin.path(), plugin.reason());

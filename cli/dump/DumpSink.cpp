@@ -40,6 +40,11 @@ void DumpSink::triblock(const qorabsAttributeSet& attrs, const utString& mangled
     t.status = status.value();
     // What a failed conversion left behind is not part of what the host got.
     if (!status.ok()) return;
+    if (summary_) {
+        t.points_digest = ArrayDigest::of(block.vertices() ? block.vertices()->values() : t.points);
+        t.triangles_digest = ArrayDigest::of(block.triangles() ? block.triangles()->values() : t.triangles);
+        return;
+    }
     if (const giNodeXYZ* v = block.vertices()) t.points = v->values();
     if (const giTriArr* tr = block.triangles()) t.triangles = tr->values();
 }
@@ -55,6 +60,11 @@ void DumpSink::curve(const qorabsAttributeSet& attrs, const utString& mangled, c
 void DumpSink::pointcloud(const qorabsAttributeSet& attrs, const utString& mangled, const annPointCloudData& data)
 {
     DumpItem& p = add(DumpItem::pointcloud, attrs, mangled);
+    if (summary_) {
+        p.points_digest = ArrayDigest::of(data.points() ? data.points()->values() : p.points);
+        p.colours_digest = ArrayDigest::of(data.colours() ? data.colours()->values() : p.colours);
+        return;
+    }
     if (const giNodeXYZ* v = data.points()) p.points = v->values();
     if (const annColArr* c = data.colours()) p.colours = c->values();
 }

@@ -4,9 +4,11 @@
 // its geometry, for `velmora dump` to write once the walk is over (the
 // references the walk passes are valid during the call only).
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "cli/dump/ArrayDigest.h"
 #include "host/giColour.h"
 #include "host/giPoint3.h"
 #include "host/giTriangle.h"
@@ -34,6 +36,8 @@ struct DumpItem {
     std::vector<giPoint3> points;
     std::vector<giTriangle> triangles;
     std::vector<giColour> colours;
+    // A summary sink's digests of those arrays, which it keeps instead.
+    std::optional<ArrayDigest> points_digest, triangles_digest, colours_digest;
     // The curve as handed over; null on failure.
     rnxCurvePtr3 nurb;
     std::vector<std::unique_ptr<DumpItem>> children;
@@ -41,6 +45,10 @@ struct DumpItem {
 
 class DumpSink : public qorabsOutputSink {
 public:
+    // summary: keep each array's digest, taken during the walk, instead of a
+    // copy of it; an import's geometry then lives only in the plug-in.
+    explicit DumpSink(bool summary = false) : summary_(summary) {}
+
     // The items the walk delivered outside any group: one per translator the
     // host walked.
     const std::vector<std::unique_ptr<DumpItem>>& top() const { return top_; }
@@ -57,6 +65,7 @@ private:
     // A new item with attrs and mangled, placed in the open group (or at the top).
     DumpItem& add(DumpItem::Kind kind, const qorabsAttributeSet& attrs, const utString& mangled);
 
+    bool summary_;
     std::vector<std::unique_ptr<DumpItem>> top_;
     std::vector<DumpItem*> open_;
 };

@@ -1,95 +1,48 @@
 #include "cli/dump/DumpWriter.h"
 
 #include <array>
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <optional>
 
 #include "cli/JsonWriter.h"
-#include "cli/Sha256.h"
+#include "cli/dump/ArrayDigest.h"
 
 namespace {
 
-// The digest of one geometry array: its element count, the least and
-// greatest finite value of each component, and the SHA-256 of its bytes.
-class Digest {
-public:
-    // width: components per element (3 for triples, 1 for knots and
-    // weights); integers: components are written as integers.
-    Digest(int width, bool integers) : width_(width), integers_(integers), lo_(width), hi_(width) {}
-
-    // One element's components (width of them) and its bytes.
-    void add(const double* c, const unsigned char* bytes, std::size_t n)
-    {
-        ++count_;
-        for (int k = 0; k < width_; ++k) {
-            if (!std::isfinite(c[k])) continue;
-            if (!lo_[k] || c[k] < *lo_[k]) lo_[k] = c[k];
-            if (!hi_[k] || c[k] > *hi_[k]) hi_[k] = c[k];
-        }
-        sha_.update(bytes, n);
-    }
-
-    void write(JsonWriter& w)
-    {
-        w.begin_object();
-        w.key("count").integer(static_cast<std::int64_t>(count_));
-        w.key("min");
-        bound(w, lo_);
-        w.key("max");
-        bound(w, hi_);
-        const std::array<std::uint8_t, 32> d = sha_.finish();
-        static const char hex[] = "0123456789abcdef";
-        std::string text;
-        for (std::uint8_t b : d) {
-            text += hex[b >> 4];
-            text += hex[b & 15];
-        }
-        w.key("sha256").string(text);
-        w.end_object();
-    }
-
-private:
-    void value(JsonWriter& w, const std::optional<double>& v) const
-    {
-        if (!v) w.null();
-        else if (integers_) w.integer(static_cast<std::int64_t>(*v));
-        else w.number(*v);
-    }
-    // Null for an empty array; a single value for width 1, else a triple
-    // whose components without a finite value are null.
-    void bound(JsonWriter& w, const std::vector<std::optional<double>>& b) const
-    {
-        if (count_ == 0) {
-            w.null();
-            return;
-        }
-        if (width_ == 1) {
-            value(w, b[0]);
-            return;
-        }
-        w.begin_array(true);
-        for (const std::optional<double>& v : b) value(w, v);
-        w.end_array();
-    }
-
-    int width_;
-    bool integers_;
-    std::size_t count_ = 0;
-    std::vector<std::optional<double>> lo_, hi_;
-    Sha256 sha_;
-};
-
-// Little-endian bytes, whatever the machine's order.
-void put_le(unsigned char* p, std::uint64_t v, int n)
+// Null for an empty array; a single value for width 1, else a triple whose
+// components without a finite value are null.
+void bound(JsonWriter& w, const ArrayDigest& d, const std::array<std::optional<double>, 3>& b)
 {
-    for (int i = 0; i < n; ++i) p[i] = static_cast<unsigned char>(v >> (8 * i));
+    auto value = [&](const std::optional<double>& v) {
+        if (!v) w.null();
+        else if (d.integers) w.integer(static_cast<std::int64_t>(*v));
+        else w.number(*v);
+    };
+    if (d.count == 0) {
+        w.null();
+        return;
+    }
+    if (d.width == 1) {
+        value(b[0]);
+        return;
+    }
+    w.begin_array(true);
+    for (int k = 0; k < d.width; ++k) value(b[k]);
+    w.end_array();
 }
 
-void put_f64(unsigned char* p, double v) { put_le(p, std::bit_cast<std::uint64_t>(v), 8); }
-
-void put_i32(unsigned char* p, int v) { put_le(p, static_cast<std::uint32_t>(v), 4); }
+void write_digest(JsonWriter& w, const ArrayDigest& d)
+{
+    w.begin_object();
+    w.key("count").integer(static_cast<std::int64_t>(d.count));
+    w.key("min");
+    bound(w, d, d.lo);
+    w.key("max");
+    bound(w, d, d.hi);
+    w.key("sha256").string(d.sha256);
+    w.end_object();
+}
 
 void optional_string(JsonWriter& w, const std::optional<std::string>& s)
 {
@@ -99,17 +52,10 @@ void optional_string(JsonWriter& w, const std::optional<std::string>& s)
 
 } // namespace
 
-void DumpWriter::points(JsonWriter& w, const std::vector<giPoint3>& v) const
+void DumpWriter::points(JsonWriter& w, const std::vector<giPoint3>& v, const std::optional<ArrayDigest>& taken) const
 {
     if (summary_) {
-        Digest d(3, false);
-        for (const giPoint3& p : v) {
-            const double c[3] = {p.x(), p.y(), p.z()};
-            unsigned char b[24];
-            for (int k = 0; k < 3; ++k) put_f64(b + 8 * k, c[k]);
-            d.add(c, b, sizeof b);
-        }
-        d.write(w);
+        write_digest(w, taken ? *taken : ArrayDigest::of(v));
         return;
     }
     w.begin_array();
@@ -117,18 +63,11 @@ void DumpWriter::points(JsonWriter& w, const std::vector<giPoint3>& v) const
     w.end_array();
 }
 
-void DumpWriter::triangles(JsonWriter& w, const std::vector<giTriangle>& v) const
+void DumpWriter::triangles(JsonWriter& w, const std::vector<giTriangle>& v,
+                           const std::optional<ArrayDigest>& taken) const
 {
     if (summary_) {
-        Digest d(3, true);
-        for (const giTriangle& t : v) {
-            const int i[3] = {t.a(), t.b(), t.c()};
-            const double c[3] = {double(i[0]), double(i[1]), double(i[2])};
-            unsigned char b[12];
-            for (int k = 0; k < 3; ++k) put_i32(b + 4 * k, i[k]);
-            d.add(c, b, sizeof b);
-        }
-        d.write(w);
+        write_digest(w, taken ? *taken : ArrayDigest::of(v));
         return;
     }
     w.begin_array();
@@ -136,17 +75,10 @@ void DumpWriter::triangles(JsonWriter& w, const std::vector<giTriangle>& v) cons
     w.end_array();
 }
 
-void DumpWriter::colours(JsonWriter& w, const std::vector<giColour>& v) const
+void DumpWriter::colours(JsonWriter& w, const std::vector<giColour>& v, const std::optional<ArrayDigest>& taken) const
 {
     if (summary_) {
-        Digest d(3, true);
-        for (const giColour& col : v) {
-            const double c[3] = {double(col.r()), double(col.g()), double(col.b())};
-            const unsigned char b[3] = {static_cast<unsigned char>(col.r()), static_cast<unsigned char>(col.g()),
-                                        static_cast<unsigned char>(col.b())};
-            d.add(c, b, sizeof b);
-        }
-        d.write(w);
+        write_digest(w, taken ? *taken : ArrayDigest::of(v));
         return;
     }
     w.begin_array();
@@ -157,13 +89,7 @@ void DumpWriter::colours(JsonWriter& w, const std::vector<giColour>& v) const
 void DumpWriter::values(JsonWriter& w, const std::vector<double>& v) const
 {
     if (summary_) {
-        Digest d(1, false);
-        for (double x : v) {
-            unsigned char b[8];
-            put_f64(b, x);
-            d.add(&x, b, sizeof b);
-        }
-        d.write(w);
+        write_digest(w, ArrayDigest::of(v));
         return;
     }
     w.begin_array();
@@ -210,10 +136,11 @@ void DumpWriter::write_triblock(JsonWriter& w, const DumpItem& item) const
     const bool ok = item.status == 0;
     write_head(w, item, "triblock");
     w.key("status").integer(item.status);
+    static const std::optional<ArrayDigest> none;
     w.key("vertices");
-    points(w, ok ? item.points : no_points);
+    points(w, ok ? item.points : no_points, ok ? item.points_digest : none);
     w.key("triangles");
-    triangles(w, ok ? item.triangles : no_triangles);
+    triangles(w, ok ? item.triangles : no_triangles, ok ? item.triangles_digest : none);
     w.end_object();
 }
 
@@ -227,7 +154,7 @@ void DumpWriter::write_curve(JsonWriter& w, const DumpItem& item) const
     w.key("status").integer(item.status);
     w.key("order").integer(c ? c->order() : 0);
     w.key("points");
-    points(w, c ? c->points() : no_points);
+    points(w, c ? c->points() : no_points, std::nullopt);
     w.key("weights");
     if (c && c->has_weights()) values(w, c->weights());
     else w.null();
@@ -240,9 +167,9 @@ void DumpWriter::write_pointcloud(JsonWriter& w, const DumpItem& item) const
 {
     write_head(w, item, "pointcloud");
     w.key("points");
-    points(w, item.points);
+    points(w, item.points, item.points_digest);
     w.key("colours");
-    colours(w, item.colours);
+    colours(w, item.colours, item.colours_digest);
     w.end_object();
 }
 

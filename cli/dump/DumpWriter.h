@@ -5,11 +5,13 @@
 // every attribute and piece of geometry. In the summary form each geometry
 // array becomes a digest {"count", "min", "max", "sha256"} so that large
 // imports compare cheaply.
+#include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "cli/dump/ArrayDigest.h"
 #include "cli/dump/DumpSink.h"
 #include "cli/PluginIdentity.h"
 
@@ -47,9 +49,11 @@ private:
     void write_curve(JsonWriter& w, const DumpItem& item) const;
     void write_pointcloud(JsonWriter& w, const DumpItem& item) const;
 
-    void points(JsonWriter& w, const std::vector<giPoint3>& v) const;
-    void triangles(JsonWriter& w, const std::vector<giTriangle>& v) const;
-    void colours(JsonWriter& w, const std::vector<giColour>& v) const;
+    // In a summary, the digest the sink took during the walk when it took
+    // one (taken), else the digest of v.
+    void points(JsonWriter& w, const std::vector<giPoint3>& v, const std::optional<ArrayDigest>& taken) const;
+    void triangles(JsonWriter& w, const std::vector<giTriangle>& v, const std::optional<ArrayDigest>& taken) const;
+    void colours(JsonWriter& w, const std::vector<giColour>& v, const std::optional<ArrayDigest>& taken) const;
     void values(JsonWriter& w, const std::vector<double>& v) const;
 
     bool summary_;

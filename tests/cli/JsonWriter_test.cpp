@@ -196,3 +196,31 @@ TEST(JsonWriter, KeysAreEscapedLikeStrings)
     w.finish();
     EXPECT_EQ(out.str(), "{\"a\\\"\\u00ff\":0}\n");
 }
+
+TEST(JsonWriter, LongDocumentReachesTheStreamWholeAndInOrder)
+{
+    // Far more than the writer gathers before it hands text to the stream.
+    std::ostringstream out;
+    std::string expected = "[";
+    {
+        JsonWriter w(out, false);
+        w.begin_array();
+        for (int k = 0; k < 100000; ++k) {
+            w.integer(k);
+            if (k > 0) expected += ',';
+            expected += std::to_string(k);
+        }
+        w.finish();
+    }
+    EXPECT_EQ(out.str(), expected + "]\n");
+}
+
+TEST(JsonWriter, TextNotFinishedReachesTheStreamWhenTheWriterGoes)
+{
+    std::ostringstream out;
+    {
+        JsonWriter w(out, false);
+        w.begin_array().integer(1);
+    }
+    EXPECT_EQ(out.str(), "[1");
+}

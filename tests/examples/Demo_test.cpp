@@ -28,6 +28,7 @@
 #include "archive/vmiObject.h"
 #include "contour/vmiVelmcontur.h"
 #include "grid/vmiBaseGrid.h"
+#include "tests/support/commandRun.h"
 #include "tests/support/demoArchive.h"
 #include "tests/support/vlmWriter.h"
 
@@ -231,6 +232,62 @@ TEST_F(Demo, ConvertsToEveryFormat)
         EXPECT_GT(std::filesystem::file_size(out, ec), 10000u) << ext;
         std::remove(out.c_str());
     }
+}
+
+// Every output of the command line, byte for byte as the commit before the
+// import was made faster wrote it: the dumps and every converted format, of
+// the demo and of a larger archive (three visits, scans twice as fine). The
+// digests were taken from that commit's build; a change of speed or memory
+// must not change a single byte.
+TEST(DemoOutputs, AreByteIdenticalToTheRecordedOnes)
+{
+    struct output {
+        const char* file;
+        const char* sha256;
+    };
+    const output recorded[] = {
+        {"demo.summary.json", "2df5311f83d690c41ebb24b3f0029788593502ca4e5fd0269abb99279c750ec4"},
+        {"demo.dump.json", "17c37b38797d9c1b764e44e5b00c8188c741f2d0b043111101c3291961c16e3f"},
+        {"demo.compact.json", "63c7afdb1ef8e7603ec0ca7b2361b88797367ce275f1bd097089ad056973911e"},
+        {"demo.glb", "a34d5ce71ff2fd82dce77616a63651d9da45c51dfb379690279509d7ed910d2a"},
+        {"demo.gltf", "31a715e971b8c10eb0011822e98c377142309b5b1f8ee76e2bba6ff5a78ff22e"},
+        {"demo.obj", "84ddd20d41335263bccb8e685afc19dcc53ed552125f9c2356e23544192e991f"},
+        {"demo.ply", "e6116f5ddbbfe536b1c97cb6a783a94b7edbd868200d33d5502ebf15200606ad"},
+        {"demo.stl", "e1d62b4f7eefb24eeb95f8e4a554a7d7dcc71751854a286bbb7747cfdcbd427d"},
+        {"scaled.summary.json", "a717ac5420f07bb837b5161af2a2392dac5beee24746c5e512b392612c95d627"},
+        {"scaled.dump.json", "f095dddac0f2d8723c0731ad97d45ec44960b39635ebcc2802b0c46f4e1505f0"},
+        {"scaled.compact.json", "ffb6499bb278ce5c6b085343c32333793f5bcfefa953c7b5045cce035a239269"},
+        {"scaled.glb", "9c9272125c5740ac01737696b378806cb23c5cf12091e8397b7a228a243de0e5"},
+        {"scaled.gltf", "23de8ee8df30c83b2719d2a95e4e828aac08c3fbf7a8cc6d4b0244716865a8aa"},
+        {"scaled.obj", "d140da4c9a02298d36f5277978725299f90cc60abd9cc62e025f24a159edbe2b"},
+        {"scaled.ply", "e1b5877fe4d17005cc9fb4f0bd07671add47b4b620d311d022d643924879e007"},
+        {"scaled.stl", "cacca79f14ce027f5375d9fa44683efca540d5ce43d52bd988e3f5a7f4614716"},
+    };
+    // The file names are fixed: the converted scenes are named after the
+    // archive.
+    const std::filesystem::path dir = vlm::temp_path("outputs");
+    std::filesystem::create_directories(dir);
+    const std::string velmora = shell_word(bin_dir + "velmora");
+    const std::string in_dir = "cd " + shell_word(dir.string()) + " && ";
+    ASSERT_EQ(run(in_dir + shell_word(bin_dir + "make_demo_archive") + " demo.vlm"), 0);
+    ASSERT_EQ(run(in_dir + shell_word(bin_dir + "make_demo_archive") + " --visits 3 --fineness 2 scaled.vlm"), 0);
+    const auto dump = [&](const std::string& options, const std::string& a, const std::string& out) {
+        return std::system((in_dir + velmora + " dump " + options + a + ".vlm >" + out + " 2>/dev/null").c_str());
+    };
+    for (const char* archive : {"demo", "scaled"}) {
+        const std::string a = archive;
+        EXPECT_EQ(dump("--summary ", a, a + ".summary.json"), 0);
+        EXPECT_EQ(dump("", a, a + ".dump.json"), 0);
+        EXPECT_EQ(dump("--compact ", a, a + ".compact.json"), 0);
+        for (const char* ext : {"glb", "gltf", "obj", "ply", "stl"})
+            EXPECT_EQ(run(in_dir + velmora + " convert " + a + ".vlm -o " + a + "." + ext), 0) << a << "." << ext;
+    }
+    for (const output& o : recorded) {
+        const vlm::command_result sum = vlm::run_command("sha256sum", {(dir / o.file).string()});
+        ASSERT_EQ(sum.status, 0) << o.file;
+        EXPECT_EQ(sum.out.substr(0, 64), o.sha256) << o.file;
+    }
+    std::filesystem::remove_all(dir);
 }
 
 // ---------------------------------------------------------------------------

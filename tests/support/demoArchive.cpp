@@ -17,10 +17,23 @@ namespace vlm::demo {
 namespace {
 
 // The scans' lattice: 1 mm in x and y, heights in hundredths of a millimetre.
+// A finer archive divides the spacing and multiplies the columns and rows.
 constexpr int grid_columns = 110;
 constexpr int grid_rows = 280;
 constexpr float grid_spacing = 1.0f;
 constexpr float height_unit = 0.01f;
+
+// The lattice of an archive written fineness times as fine as the demo.
+struct lattice {
+    int columns = grid_columns;
+    int rows = grid_rows;
+    float spacing = grid_spacing;
+};
+
+lattice lattice_of(int fineness)
+{
+    return {grid_columns * fineness, grid_rows * fineness, grid_spacing / static_cast<float>(fineness)};
+}
 // The code that marks "no surface" outside the foot.
 constexpr std::uint16_t no_surface = 0;
 // Points on each outline (the last one closes it).
@@ -108,21 +121,21 @@ double plantar_height(const foot& f, double px, double py, double edge)
 
 // The scan of one foot; heights[k] keeps the height in mm (or -1 outside)
 // for the picture taken with it, box the extent of the surface.
-vlm::height_grid scan(const foot& f, std::vector<double>& heights, surface_box& box)
+vlm::height_grid scan(const foot& f, const lattice& l, std::vector<double>& heights, surface_box& box)
 {
     std::vector<double> x, y;
     outline(f, 0.0, 0.0, 0.0, x, y);
     vlm::height_grid g;
-    g.nx = grid_columns;
-    g.ny = grid_rows;
-    g.dx = grid_spacing;
-    g.dy = grid_spacing;
+    g.nx = l.columns;
+    g.ny = l.rows;
+    g.dx = l.spacing;
+    g.dy = l.spacing;
     g.dz = height_unit;
     g.nodata = no_surface;
     heights.clear();
-    for (int j = 0; j < grid_rows; ++j) {
-        for (int i = 0; i < grid_columns; ++i) {
-            const double px = i * grid_spacing, py = j * grid_spacing;
+    for (int j = 0; j < l.rows; ++j) {
+        for (int i = 0; i < l.columns; ++i) {
+            const double px = i * l.spacing, py = j * l.spacing;
             double h = -1.0;
             if (inside(x, y, px, py)) {
                 h = plantar_height(f, px, py, edge_distance(x, y, px, py));
@@ -137,13 +150,13 @@ vlm::height_grid scan(const foot& f, std::vector<double>& heights, surface_box& 
 
 // The picture taken with a scan, pixel for grid point: the sole dark where it
 // touches the glass and lighter the higher it lifts off, the background light.
-vlm::scan_image picture(const std::vector<double>& heights)
+vlm::scan_image picture(const lattice& l, const std::vector<double>& heights)
 {
     vlm::scan_image im;
-    im.width = grid_columns;
-    im.height = grid_rows;
-    im.sx = grid_spacing;
-    im.sy = grid_spacing;
+    im.width = l.columns;
+    im.height = l.rows;
+    im.sx = l.spacing;
+    im.sy = l.spacing;
     im.sz = 1.0f;
     for (double h : heights) {
         const double grey = h < 0.0 ? picture_background : std::min(215.0, picture_contact + 9.0 * h);
@@ -276,20 +289,20 @@ void check_up(design_plan& p)
     p.global_min_z = 3.0;
 }
 
-design_plan plan(const foot& f, const surface_box& box, int visit, int model)
+design_plan plan(const foot& f, const lattice& l, const surface_box& box, int visit, int model)
 {
     design_plan p;
     p.s = f.s;
     p.visit = visit;
     p.finished_model = "FINISH_MODEL~" + std::to_string(model);
-    p.grid_spacing = grid_spacing;
+    p.grid_spacing = l.spacing;
     const double sx = model_margin - box.x0, sy = model_margin - box.y0;
     p.centre_x = f.x0 + sx + 0.5 * f.width;
     p.heel_y = f.y0 + sy;
     p.length = f.length;
     p.width = f.width;
     outline(f, -insole_inset, sx, sy, p.insole_x, p.insole_y);
-    if (visit == 0)
+    if (visit % 2 == 0)
         first_fitting(p);
     else
         check_up(p);
@@ -389,16 +402,16 @@ void add_section(vlm::contour_text& t, const design_plan& p, const std::string& 
 // The insole model of one foot, laid out in the model's working grid: the
 // base grid (the scan) has its surface's box at (margin, margin) in it, and
 // the grid reaches the margin beyond the box on every side.
-std::string insole(const foot& f, const design_plan& p, const std::string& blank_name, const surface_box& box,
-                   const std::vector<std::string>& without)
+std::string insole(const foot& f, const lattice& l, const design_plan& p, const std::string& blank_name,
+                   const surface_box& box, const std::vector<std::string>& without)
 {
     const double sx = model_margin - box.x0, sy = model_margin - box.y0;
     std::vector<double> bx, by;
     outline(f, blank_allowance, sx, sy, bx, by);
     vlm::contour_text t("0001 Velmora insole design");
-    const int xnum = static_cast<int>((box.x1 - box.x0 + 2.0 * model_margin) / grid_spacing);
-    const int ynum = static_cast<int>((box.y1 - box.y0 + 2.0 * model_margin) / grid_spacing);
-    t.kerneldata(xnum, ynum, grid_spacing, grid_spacing, model_margin, model_margin);
+    const int xnum = static_cast<int>((box.x1 - box.x0 + 2.0 * model_margin) / l.spacing);
+    const int ynum = static_cast<int>((box.y1 - box.y0 + 2.0 * model_margin) / l.spacing);
+    t.kerneldata(xnum, ynum, l.spacing, l.spacing, model_margin, model_margin);
     t.rohlingsdaten(blank_name, bx, by, {}, {}, {}, 3.0, 8.0);
     t.hcontour2("insole", p.insole_x, p.insole_y);
     for (const std::string& section : p.sections)
@@ -417,8 +430,8 @@ constexpr std::size_t chunk_size = 16384;
 // catalogue's fields are comma-separated, so no text here holds a comma.
 // Records are numbered from first_indx on, data entries from first_entry on.
 void visit(vlm::catalogue& c, vlm::archive& a, const std::string& date, const std::string& model_date,
-           const foot& left, const foot& right, int first_indx, int first_entry, int visit_number,
-           const std::vector<std::string>& without)
+           const foot& left, const foot& right, const lattice& l, int first_indx, int first_entry,
+           int visit_number, const std::vector<std::string>& without)
 {
     auto entry_name = [](int n) {
         char name[16];
@@ -432,11 +445,11 @@ void visit(vlm::catalogue& c, vlm::archive& a, const std::string& date, const st
         const bool is_left = f->s == side::left;
         std::vector<double> heights;
         scan_indx[is_left ? 0 : 1] = indx;
-        const vlm::height_grid grid = scan(*f, heights, box[is_left ? 0 : 1]);
+        const vlm::height_grid grid = scan(*f, l, heights, box[is_left ? 0 : 1]);
         a.add(entry_name(entry), vlm::chunk_chain(vlm::grid_entry(grid), chunk_size));
         c.level3(scan_record, indx++, 0, is_left ? left_scan_type : right_scan_type, date, "Scan",
                  is_left ? "left foot standing" : "right foot standing", entry++);
-        a.add(entry_name(entry), vlm::chunk_chain(vlm::pcim_entry(picture(heights)), chunk_size));
+        a.add(entry_name(entry), vlm::chunk_chain(vlm::pcim_entry(picture(l, heights)), chunk_size));
         c.level3(scan_record, indx++, 0, is_left ? left_image_type : right_image_type, date, "Image",
                  is_left ? "left foot" : "right foot", entry++);
     }
@@ -444,9 +457,9 @@ void visit(vlm::catalogue& c, vlm::archive& a, const std::string& date, const st
     for (const foot* f : {&left, &right}) {
         const bool is_left = f->s == side::left;
         const surface_box& b = box[is_left ? 0 : 1];
-        const design_plan p = plan(*f, b, visit_number, model++);
+        const design_plan p = plan(*f, l, b, visit_number, model++);
         a.add(entry_name(entry),
-              vlm::chunk_chain(insole(*f, p, is_left ? "blank_L" : "blank_R", b, without), chunk_size));
+              vlm::chunk_chain(insole(*f, l, p, is_left ? "blank_L" : "blank_R", b, without), chunk_size));
         c.level3(model_record, indx++, scan_indx[is_left ? 0 : 1], is_left ? left_scan_type : right_scan_type,
                  model_date, "Insole", "sport insole", entry++);
     }
@@ -518,8 +531,8 @@ std::vector<design_plan> design_plans()
     for (int k = 0; k < 4; ++k) {
         std::vector<double> heights;
         surface_box box;
-        scan(feet[k], heights, box);
-        plans.push_back(plan(feet[k], box, k / 2, k));
+        scan(feet[k], lattice{}, heights, box);
+        plans.push_back(plan(feet[k], lattice{}, box, k / 2, k));
     }
     return plans;
 }
@@ -534,14 +547,30 @@ const std::vector<std::string>& height_sections()
 
 bool write_archive(const std::string& path, const std::vector<std::string>& without)
 {
+    return write_archive(path, archive_scale{}, without);
+}
+
+bool write_archive(const std::string& path, const archive_scale& scale, const std::vector<std::string>& without)
+{
+    if (scale.visits < 1 || scale.fineness < 1)
+        return false;
+    const lattice l = lattice_of(scale.fineness);
     vlm::catalogue c;
     c.header("Velmora archive").header("version=3").separator();
     c.level1("Beispiel", "Erika");
     vlm::archive a;
-    c.level2("2024-03-01", "Erstversorgung");
-    visit(c, a, "2024-03-01", "2024-03-04", feet[0], feet[1], 1, 1, 0, without);
-    c.level2("2024-09-12", "Kontrolle");
-    visit(c, a, "2024-09-12", "2024-09-16", feet[2], feet[3], 7, 7, 1, without);
+    // Each visit has six records and six entries. Visits beyond the demo's
+    // two repeat its first fitting and check-up a year later each time.
+    for (int k = 0; k < scale.visits; ++k) {
+        const std::string year = std::to_string(2024 + k / 2);
+        const bool first = k % 2 == 0;
+        const std::string date = year + (first ? "-03-01" : "-09-12");
+        const std::string model_date = year + (first ? "-03-04" : "-09-16");
+        c.level2(date, k == 0 ? "Erstversorgung" : "Kontrolle");
+        const foot& left = feet[first ? 0 : 2];
+        const foot& right = feet[first ? 1 : 3];
+        visit(c, a, date, model_date, left, right, l, 1 + 6 * k, 1 + 6 * k, k, without);
+    }
     a.add("00000.vlk", c.text());
     return a.write(path) && stamp_entries(path);
 }

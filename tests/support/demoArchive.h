@@ -158,4 +158,19 @@ const std::vector<std::string>& height_sections();
 // cannot be written.
 bool write_archive(const std::string& path, const std::vector<std::string>& without = {});
 
+// How much larger than the demo an archive is, for measuring how an import's
+// cost grows: visits repeats the first fitting and the check-up in turn (the
+// demo has 2); fineness divides the scans' spacing, and the designs' working
+// grids with it (the demo has 1; 4 makes 16 times as many grid points).
+struct archive_scale {
+    int visits = 2;
+    int fineness = 1;
+};
+
+// The demo archive made larger by scale; the default scale writes the same
+// bytes as the demo. False for a scale below the demo's or when the file
+// cannot be written.
+bool write_archive(const std::string& path, const archive_scale& scale,
+                   const std::vector<std::string>& without = {});
+
 }  // namespace vlm::demo

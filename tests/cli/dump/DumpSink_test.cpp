@@ -24,3 +24,38 @@ TEST(DumpSink, NestsMembersInOrderAndIgnoresAnUnmatchedEnd)
     EXPECT_EQ(a.children[1]->mangled, "c");
     EXPECT_EQ(sink.top()[1]->mangled, "d");
 }
+
+TEST(DumpSink, SummaryKeepsTheDigestsOfTheArraysInsteadOfACopy)
+{
+    giTriBlock block;
+    block.features().ensure<giNodeXYZ>()->add(giPoint3(1, 2, 3));
+    block.features().ensure<giNodeXYZ>()->add(giPoint3(4, 5, 6));
+    block.features().ensure<giTriArr>()->add(giTriangle(0, 1, 0));
+    annPointCloudData cloud;
+    cloud.features().ensure<giNodeXYZ>()->add(giPoint3(7, 8, 9));
+    cloud.features().ensure<annColArr>()->add(giColour(1, 2, 3, 0));
+    DumpSink sink(true);
+    sink.triblock(qorabsAttributeSet(), utString("t"), qorabsTranslationStatus(0), block);
+    sink.pointcloud(qorabsAttributeSet(), utString("p"), cloud);
+    const DumpItem& t = *sink.top()[0];
+    EXPECT_TRUE(t.points.empty());
+    EXPECT_TRUE(t.triangles.empty());
+    ASSERT_TRUE(t.points_digest && t.triangles_digest);
+    EXPECT_EQ(t.points_digest->sha256, ArrayDigest::of(block.vertices()->values()).sha256);
+    EXPECT_EQ(t.points_digest->count, 2u);
+    EXPECT_EQ(t.triangles_digest->sha256, ArrayDigest::of(block.triangles()->values()).sha256);
+    const DumpItem& p = *sink.top()[1];
+    EXPECT_TRUE(p.points.empty());
+    EXPECT_TRUE(p.colours.empty());
+    ASSERT_TRUE(p.points_digest && p.colours_digest);
+    EXPECT_EQ(p.colours_digest->sha256, ArrayDigest::of(cloud.colours()->values()).sha256);
+}
+
+TEST(DumpSink, SummaryTakesNoDigestOfAFailedBlock)
+{
+    giTriBlock block;
+    block.features().ensure<giNodeXYZ>()->add(giPoint3(1, 2, 3));
+    DumpSink sink(true);
+    sink.triblock(qorabsAttributeSet(), utString("t"), qorabsTranslationStatus(1), block);
+    EXPECT_FALSE(sink.top()[0]->points_digest.has_value());
+}
