@@ -434,7 +434,7 @@ void visit(vlm::catalogue& c, vlm::archive& a, const std::string& date, const st
            int visit_number, const std::vector<std::string>& without)
 {
     auto entry_name = [](int n) {
-        char name[16];
+        char name[32];
         std::snprintf(name, sizeof name, "VLM%05d.dat", n);
         return std::string(name);
     };
