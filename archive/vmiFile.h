@@ -48,16 +48,26 @@ public:
     static constexpr std::int64_t input_piece = std::int64_t(1) << 20;
     // The catalogue is read into a buffer of this size; a longer one is cut.
     static constexpr int catalogue_buffer = 10000;
-    // A scan image of more pixels than a grid may hold nodes
-    // (vmiBaseGrid::max_nodes, each size on its own too) is not read: its
-    // points and colours would take some 28 bytes a pixel.
-    static constexpr long long max_image_pixels = 1LL << 23;
+    // A scan image of more pixels than this (each size on its own too) is not
+    // read: its points and colours take some 28 bytes a pixel. A foot's
+    // picture of 320 x 160 mm at 0.12 mm (3.6 million pixels) fits; at 0.1
+    // mm (5.1 million) it does not. The bound keeps a whole import within a
+    // second and a few hundred megabytes.
+    static constexpr long long max_image_pixels = 1LL << 22;
+    // True when both sizes lie in 0 ... max_image_pixels and width * height
+    // pixels stay within it.
+    static constexpr bool image_size_allowed(long long width, long long height)
+    {
+        return width >= 0 && height >= 0 && width <= max_image_pixels && height <= max_image_pixels &&
+               width * height <= max_image_pixels;
+    }
     // The most grid nodes and image pixels the tree of one file may hold,
-    // scans, images and the grids of the orthotic models together (some 400
-    // MB of points). A catalogue may name the same large entry again and
+    // scans, images and the grids of the orthotic models together (about a
+    // second of import). A catalogue may name the same large entry again and
     // again; a record whose points would pass the budget is skipped. Real
-    // archives hold a few scans and models of well under a million each.
-    static constexpr long long max_tree_points = 1LL << 24;
+    // archives hold a few scans and models of well under a million each. No
+    // smaller than the largest image, which would otherwise never be read.
+    static constexpr long long max_tree_points = 1LL << 22;
 
     // The three options in the host's resource table (default 1), read each
     // time a catalogue is turned into nodes.

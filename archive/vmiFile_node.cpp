@@ -322,14 +322,15 @@ vmiReadSkip vmiFile::object_refusal(const vmiVlkElement& e)
     const long long nx = int32();
     const long long ny = int32();
     const vmiReadSkip over = record_skip(e, vmiSkipReason::bound_exceeded);
-    if (points > point_budget_ - tree_points_)
-        return over.with_bound("max_tree_points", tree_points_ + points, point_budget_);
     if (nx < 0 || ny < 0)
         return record_skip(e, vmiSkipReason::bad_record);
+    // A record too large on its own names its own bound, not the tree's.
     if (model && !vmiBaseGrid::size_allowed(nx, ny))
         return over.with_bound("vmiBaseGrid::max_nodes", nx * ny, vmiBaseGrid::max_nodes);
-    if (!model && (!vmiBaseGrid::size_allowed(nx, ny) || nx * ny > max_image_pixels))
+    if (!model && !image_size_allowed(nx, ny))
         return over.with_bound("max_image_pixels", nx * ny, max_image_pixels);
+    if (points > point_budget_ - tree_points_)
+        return over.with_bound("max_tree_points", tree_points_ + points, point_budget_);
     return record_skip(e, vmiSkipReason::bad_record);
 }
 

@@ -55,8 +55,7 @@ vmiObject* vmiFile::create_cloud_from_pcim()
     pass(image_pixels_gap);
     if (width < 0 || height < 0 || sx < 0 || sy < 0 || sz < 0)
         return nullptr;
-    if (!vmiBaseGrid::size_allowed(width, height) ||
-        static_cast<long long>(width) * height > max_image_pixels)
+    if (!image_size_allowed(width, height))
         return nullptr;
     const std::size_t n = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     m03DPoint* points = new (std::nothrow) m03DPoint[n];

@@ -20,11 +20,13 @@ public:
     // thresholds are used as each operation says, not unified.
     static constexpr double valid_z = -1000.0;
 
-    // The most nodes one grid may hold (about 200 MB of nodes). A scan or an
-    // insole grid holds well under a million; a record or a text that asks for
-    // more (or whose x_size * y_size overflows) yields no grid instead of an
-    // unbounded allocation.
-    static constexpr long long max_nodes = 1LL << 23;
+    // The most nodes one grid may hold (48 MB of nodes; 2048 x 1024, or a
+    // foot's 320 x 160 mm at 0.2 mm). A scan or an insole grid holds well under
+    // a million (the default working grid is 440 x 760); a record or a text
+    // that asks for more (or whose x_size * y_size overflows) yields no grid
+    // instead of an unbounded allocation. At this size a whole import with its
+    // triangle block stays within a second and a few hundred megabytes.
+    static constexpr long long max_nodes = 1LL << 21;
     // True when both sizes lie in 0 ... max_nodes and x_size * y_size nodes stay
     // within max_nodes. Each size is bounded on its own as well, so that a grid of
     // 0 x 2^31 cannot make the row and column loops run for nothing.

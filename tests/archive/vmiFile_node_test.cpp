@@ -447,3 +447,11 @@ TEST(vmiFile, FillNode_RecordFillingTheBudgetExactlyIsTakenAndOnePointPastIsNot)
         EXPECT_EQ(f.tree_points(), budget == 8 ? 8 : 4) << budget;
     }
 }
+
+TEST(vmiFile, TreeBudget_HoldsTheLargestGridAndTheLargestImage)
+{
+    // A scan or an image at its own bound must still fit the budget of a
+    // tree, or it could never be read.
+    EXPECT_GE(vmiFile::max_tree_points, vmiBaseGrid::max_nodes);
+    EXPECT_GE(vmiFile::max_tree_points, vmiFile::max_image_pixels);
+}

@@ -12,6 +12,7 @@
 #include "archive/vmiObjGrid.h"
 #include "archive/vmiObject.h"
 #include "curves/m03DPoint.h"
+#include "grid/vmiBaseGrid.h"
 #include "host/qorResourceTable.h"
 #include "tests/support/optionScope.h"
 #include "tests/support/vlmWriter.h"
@@ -240,4 +241,17 @@ TEST(ExtractObj, EachKindFollowsItsOwnOptionAsReadAtTheLastCatalogue)
     o = extract(f, model);
     EXPECT_NE(o, nullptr);
     delete o;
+}
+
+TEST(vmiFile, ImageSizeAllowed_BoundsThePixelsNotTheGridNodes)
+{
+    // An image is a point cloud, not a grid: it may hold more pixels than a
+    // grid may hold nodes, up to its own bound and no further.
+    EXPECT_TRUE(vmiFile::image_size_allowed(4096, vmiFile::max_image_pixels / 4096));
+    EXPECT_GT(vmiFile::max_image_pixels, vmiBaseGrid::max_nodes);
+    EXPECT_FALSE(vmiFile::image_size_allowed(4096, vmiFile::max_image_pixels / 4096 + 1));
+    EXPECT_TRUE(vmiFile::image_size_allowed(1, vmiFile::max_image_pixels));
+    EXPECT_FALSE(vmiFile::image_size_allowed(1, vmiFile::max_image_pixels + 1));
+    EXPECT_FALSE(vmiFile::image_size_allowed(vmiFile::max_image_pixels + 1, 0));
+    EXPECT_FALSE(vmiFile::image_size_allowed(-1, 4));
 }

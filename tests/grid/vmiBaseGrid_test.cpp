@@ -170,7 +170,7 @@ TEST(vmiBaseGrid, AdoptingConstructor_NullArrayMakesEmptyGrid)
 
 TEST(vmiBaseGrid, SizingConstructor_BeyondMaxNodesAllocatesNothing)
 {
-    // 2^12 x 2^12 = 2^24 nodes, twice the bound.
+    // 2^12 x 2^12 = 2^24 nodes, past the bound.
     vmiBaseGrid g(1 << 12, 1 << 12, 1.0, 1.0);
     EXPECT_EQ(g.points_array(), nullptr);
     EXPECT_EQ(g.x_size(), 0);
@@ -178,7 +178,8 @@ TEST(vmiBaseGrid, SizingConstructor_BeyondMaxNodesAllocatesNothing)
     EXPECT_EQ(g.d_x(), 1.0);
     expect_grid_safe_when_empty(g);
     EXPECT_FALSE(vmiBaseGrid::size_allowed(1 << 12, 1 << 12));
-    EXPECT_TRUE(vmiBaseGrid::size_allowed(1 << 11, 1 << 12));
+    EXPECT_TRUE(vmiBaseGrid::size_allowed(1 << 11, 1 << 10));
+    EXPECT_FALSE(vmiBaseGrid::size_allowed(1 << 11, (1 << 10) + 1));
 }
 
 TEST(vmiBaseGrid, SizingConstructor_OverflowingProductAllocatesNothing)
