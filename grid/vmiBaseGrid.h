@@ -79,6 +79,10 @@ public:
     void do_HAbzug(const double& d);
     vmiBaseGrid* doubled(vmiBaseGrid& src);
     vmiBaseGrid* doubled();
+    // Merges doubled(src), every node shifted by (dx, dy), without making the
+    // refined grid: the same nodes in the same order as doubled(src) followed
+    // by offset(dx, dy) and merge would give.
+    void merge_doubled(vmiBaseGrid& src, const double& dx, const double& dy);
     void drop(m03DPoint* pts, const int& n);
     void drop(vmiBaseGrid& other);
     void cut_boundary(vmiPolylineGridMap& map);

@@ -159,6 +159,40 @@ vmiBaseGrid* vmiBaseGrid::doubled()
     return doubled(*this);
 }
 
+void vmiBaseGrid::merge_doubled(vmiBaseGrid& src, const double& dx, const double& dy)
+{
+    // The refined grid doubled(src) would have: without room for it, nothing
+    // is merged, as a refined grid left empty merges nothing.
+    const int xs = src.x_size_;
+    const int ys = src.y_size_;
+    if (!size_allowed(2LL * xs - 1, 2LL * ys - 1))
+        return;
+    // Its nodes in its own storage order, each shifted and merged as soon as
+    // it is known; doubled() builds them the same way, row by row, the odd
+    // row 2j - 1 from the same source row j as the even row 2j.
+    auto put = [&](const m03DPoint& p) {
+        if (!(p.z() > empty_z))
+            return;
+        const double x = p.x() + dx;
+        const double y = p.y() + dy;
+        set_z_if_less(intf(x / d_x_), intf(y / d_y_), p.z());
+    };
+    m03DPoint B;  // as in doubled(): (0, 0, 0) while the source has one column
+    for (int j = 0; j < ys; j++) {
+        if (xs >= 2)
+            B = src.point(xs - 1, j);
+        for (int odd = j > 0 ? 1 : 0; odd >= 0; odd--) {
+            for (int i = 0; i < xs - 1; i++) {
+                const m03DPoint A = src.point(i, j);
+                const m03DPoint M = middle(A, src.point(i + 1, j));
+                put(odd ? middle(A, A) : A);
+                put(odd ? middle(M, M) : M);
+            }
+            put(odd ? middle(B, B) : B);
+        }
+    }
+}
+
 void vmiBaseGrid::drop(m03DPoint* pts, const int& n)
 {
     each_point_at_node(pts, n, empty_z, [this](int i, int j, double z) {

@@ -175,6 +175,71 @@ TEST(vmiBaseGrid, Doubled_EmptyGridGivesEmptyGrid)
     EXPECT_EQ(g->x_size(), 0);
 }
 
+// The heights of a grid, row by row, with the sign of each zero.
+std::vector<double> signed_heights(vmiBaseGrid& g)
+{
+    std::vector<double> z;
+    for (int j = 0; j < g.y_size(); j++)
+        for (int i = 0; i < g.x_size(); i++) {
+            z.push_back(g.point(i, j).z());
+            z.push_back(std::signbit(z.back()) ? 1.0 : 0.0);
+        }
+    return z;
+}
+
+TEST(vmiBaseGrid, MergeDoubled_SameAsDoubledShiftedAndMerged)
+{
+    // Uneven heights, empty nodes, a -0.0 that meets a +0.0 on the same node
+    // (the first to arrive stays) and a shift that is no whole number of nodes.
+    vmiBaseGrid src(5, 4, 1.5, 2.5);
+    for (int j = 0; j < 4; j++)
+        for (int i = 0; i < 5; i++)
+            if ((i * 3 + j) % 4 != 0)
+                src.set_z(i, j, std::sin(i * 1.7 + j * 0.9) * 3.0);
+    src.set_z(1, 1, -0.0);
+    src.set_z(2, 1, 0.0);
+    const double dx = 3.3, dy = -1.2;
+    vmiBaseGrid expected(14, 12, 0.75, 1.25);
+    std::unique_ptr<vmiBaseGrid> copy(src.doubled());
+    copy->offset(dx, dy);
+    expected.merge(*copy);
+    vmiBaseGrid merged(14, 12, 0.75, 1.25);
+    merged.merge_doubled(src, dx, dy);
+    EXPECT_EQ(signed_heights(merged), signed_heights(expected));
+}
+
+TEST(vmiBaseGrid, MergeDoubled_SingleColumnMergesZeroPoints)
+{
+    // doubled() of one column holds (0, 0, 0) everywhere: one node at the
+    // shifted origin gets height 0.
+    vmiBaseGrid src(1, 3, 1.0, 1.0);
+    src.set_z(0, 0, 5.0);
+    src.set_z(0, 2, 6.0);
+    vmiBaseGrid g(4, 4, 1.0, 1.0);
+    g.merge_doubled(src, 2.0, 1.0);
+    for (int j = 0; j < 4; j++)
+        for (int i = 0; i < 4; i++)
+            EXPECT_EQ(g.point(i, j).z(), i == 2 && j == 1 ? 0.0 : E) << i << "," << j;
+}
+
+TEST(vmiBaseGrid, MergeDoubled_SourceWhoseRefinementIsBeyondBoundMergesNothing)
+{
+    // Sizes written through the references: the refinement of 2^22 columns
+    // would hold about 2^23 columns by 3 rows, beyond max_nodes, for which
+    // doubled() gives an empty grid.
+    vmiBaseGrid src(2, 2, 1.0, 1.0);
+    src.set_z(0, 0, 7.0);
+    vmiBaseGrid g(2, 2, 1.0, 1.0);
+    src.x_size() = 1 << 22;
+    ASSERT_FALSE(vmiBaseGrid::size_allowed(2LL * src.x_size() - 1, 3));
+    g.merge_doubled(src, 0.0, 0.0);
+    EXPECT_EQ(g.point(0, 0).z(), E);
+    // Back at its own size it merges.
+    src.x_size() = 2;
+    g.merge_doubled(src, 0.0, 0.0);
+    EXPECT_EQ(g.point(0, 0).z(), 7.0);
+}
+
 TEST(vmiBaseGrid, Drop_AddsPointHeightsToNodes)
 {
     vmiBaseGrid g(3, 3, 1.0, 1.0);
