@@ -156,6 +156,11 @@ private:
     // that inside(a, b) admits.
     template <class Inside>
     double mean_height(int i, int j, int r, Inside inside);
+    // A smoothing pass's view of the heights it reads (see do_smoothing).
+    struct SmoothingHeights;
+    template <class Inside>
+    bool smoothing_heights(SmoothingHeights& h, Inside inside);
+    double smoothed_height(const SmoothingHeights& h, int i, int j, int r) const;
     // Clamps a loop bound into 0 ... limit, computed wide so that b + 1 cannot overflow.
     static int clamp_index(long long v, int limit);
     // Releases the array and leaves a 0 x 0 grid.

@@ -70,26 +70,82 @@ double vmiBaseGrid::everage_height(vmiPolylineGridMap& map, const int& i, const 
     return mean_height(i, j, r, [&map](int a, int b) { return map.is_inside_the_cros_map(a, b); });
 }
 
+// The heights a smoothing pass reads, taken once before it writes: node
+// (i, j) at i * y_size + j, column by column as the means sum them, holding
+// its height when it counts (valid, and admitted by inside) and +0.0 when not.
+// Adding +0.0 leaves a sum that starts at +0.0 exactly as it was, so a mean
+// over these sums the very values everage_height sums, in its order.
+struct vmiBaseGrid::SmoothingHeights {
+    std::unique_ptr<double[]> z;
+    std::unique_ptr<unsigned char[]> counts;
+};
+
+template <class Inside>
+bool vmiBaseGrid::smoothing_heights(SmoothingHeights& h, Inside inside)
+{
+    // A grid whose sizes do not match its array is not smoothed, as a copy of
+    // it could not be taken.
+    if (points_ == nullptr || !size_allowed(x_size_, y_size_)
+        || static_cast<long long>(x_size_) * y_size_ != capacity_)
+        return false;
+    h.z.reset(new (std::nothrow) double[capacity_]);
+    h.counts.reset(new (std::nothrow) unsigned char[capacity_]);
+    if (!h.z || !h.counts)
+        return false;
+    for (int j = 0; j < y_size_; j++)
+        for (int i = 0; i < x_size_; i++) {
+            const long long k = static_cast<long long>(i) * y_size_ + j;
+            const double z = points_[static_cast<long long>(j) * x_size_ + i].z();
+            const bool counts = z > valid_z && inside(i, j);
+            h.z[k] = counts ? z : 0.0;
+            h.counts[k] = counts ? 1 : 0;
+        }
+    return true;
+}
+
+double vmiBaseGrid::smoothed_height(const SmoothingHeights& h, int i, int j, int r) const
+{
+    // everage_height's window and order over the heights taken.
+    int i0 = clamp_index(static_cast<long long>(i) - (static_cast<long long>(r) - 1), x_size_);
+    int i1 = clamp_index(static_cast<long long>(i) + r, x_size_);
+    int j0 = clamp_index(static_cast<long long>(j) - (static_cast<long long>(r) - 1), y_size_);
+    int j1 = clamp_index(static_cast<long long>(j) + r, y_size_);
+    if (j0 >= j1)
+        return 0.0;
+    double sum = 0.0;
+    int count = 0;
+    for (int a = i0; a < i1; a++) {
+        const long long column = static_cast<long long>(a) * y_size_;
+        const double* z = h.z.get() + column;
+        const unsigned char* c = h.counts.get() + column;
+        for (int b = j0; b < j1; b++) {
+            sum += z[b];
+            count += c[b];
+        }
+    }
+    return count == 0 ? 0.0 : sum / count;
+}
+
 void vmiBaseGrid::do_smoothing(const int& r)
 {
     if (smoothing_reads(capacity_, x_size_, y_size_, r) > max_smoothing_reads)
         return;
-    // Every mean reads the unsmoothed heights of the copy.
-    vmiBaseGrid copy(*this);
-    if (copy.capacity_ != capacity_)
+    // Every mean reads the unsmoothed heights.
+    SmoothingHeights h;
+    if (!smoothing_heights(h, [](int, int) { return true; }))
         return;
-    for (int i = 0; i < x_size_; i++)
-        for (int j = 0; j < y_size_; j++)
+    for (int j = 0; j < y_size_; j++)
+        for (int i = 0; i < x_size_; i++)
             if (point(i, j).z() > valid_z)
-                set_z(i, j, copy.everage_height(i, j, r));
+                set_z(i, j, smoothed_height(h, i, j, r));
 }
 
 void vmiBaseGrid::do_smoothing(const int& r, vmiPolylineGridMap& map)
 {
     if (smoothing_reads(capacity_, x_size_, y_size_, r) > max_smoothing_reads)
         return;
-    vmiBaseGrid copy(*this);
-    if (copy.capacity_ != capacity_)
+    SmoothingHeights h;
+    if (!smoothing_heights(h, [&map](int a, int b) { return map.is_inside_the_cros_map(a, b); }))
         return;
     const int first = std::max(map.y_min(), 0);
     const int last = std::min(map.y_max(), y_size_ - 1);
@@ -103,7 +159,7 @@ void vmiBaseGrid::do_smoothing(const int& r, vmiPolylineGridMap& map)
             const int from = std::max(c[k], 0);
             const int to = std::min(c[k + 1], x_size_ - 1);
             for (int i = from; i <= to; i++)
-                set_z(i, j, copy.everage_height(map, i, j, r));
+                set_z(i, j, smoothed_height(h, i, j, r));
         }
     }
 }

@@ -106,6 +106,50 @@ TEST(vmiBaseGrid, DoSmoothingMap_IncludesClosingCrossingNode)
     EXPECT_EQ(row_z(*g, 7), (std::vector<double>(10, E)));
 }
 
+TEST(vmiBaseGrid, DoSmoothing_SumsEachMeanColumnByColumn)
+{
+    // As everage_height: i outer, j inner. In row order the two 1s would
+    // meet first and survive the addition of 1e16.
+    vmiBaseGrid g(2, 2, 1.0, 1.0);
+    g.set_z(0, 0, 1.0);
+    g.set_z(0, 1, 1e16);
+    g.set_z(1, 0, 1.0);
+    g.set_z(1, 1, 0.0);
+    g.do_smoothing(2);
+    EXPECT_EQ(g.point(0, 0).z(), 2.5e15);
+}
+
+TEST(vmiBaseGrid, DoSmoothingMap_SumsEachMeanColumnByColumnOverInsideNodesOnly)
+{
+    // Inside the outline (columns and rows 2 ... 6) the window around (2, 2)
+    // holds columns 2, 3 and rows 2, 3 of it; row 1 and column 1 lie outside
+    // and their heights of 1e300 do not count.
+    auto g = flat_grid(10, 10, 1e300);
+    g->set_z(2, 2, 1.0);
+    g->set_z(2, 3, 1e16);
+    g->set_z(3, 2, 1.0);
+    g->set_z(3, 3, 0.0);
+    auto outline = rectangle(2, 2, 6, 6);
+    vmiPolylineGridMap map(g.get(), outline.get());
+    EXPECT_EQ(g->everage_height(map, 2, 2, 2), 2.5e15);
+    g->do_smoothing(2, map);
+    EXPECT_EQ(g->point(2, 2).z(), 2.5e15);
+}
+
+TEST(vmiBaseGrid, DoSmoothing_GridWhoseSizesOutgrowItsArrayIsLeftAlone)
+{
+    vmiBaseGrid g(3, 3, 1.0, 1.0);
+    g.set_z(0, 0, 3.0);
+    g.set_z(1, 0, 6.0);
+    g.y_size() = 2;  // written through the reference: 6 nodes of an array of 9
+    g.do_smoothing(2);
+    EXPECT_EQ(g.point(0, 0).z(), 3.0);
+    EXPECT_EQ(g.point(1, 0).z(), 6.0);
+    g.y_size() = 3;
+    g.do_smoothing(2);
+    EXPECT_EQ(g.point(0, 0).z(), 4.5);
+}
+
 TEST(vmiBaseGrid, EverageHeightMap_CountsOnlyNodesInsideOutline)
 {
     auto g = flat_grid(10, 10, 100.0);
