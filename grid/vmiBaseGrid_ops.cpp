@@ -231,7 +231,14 @@ void vmiBaseGrid::merge_doubled(vmiBaseGrid& src, const double& dx, const double
             return;
         const double x = p.x() + dx;
         const double y = p.y() + dy;
-        set_z_if_less(intf(x / d_x_), intf(y / d_y_), p.z());
+        const int i = intf(x / d_x_);
+        const int j = intf(y / d_y_);
+        // set_z_if_less, without its calls.
+        if (i < 0 || i >= x_size_ || j < 0 || j >= y_size_)
+            return;
+        const long long k = static_cast<long long>(j) * x_size_ + i;
+        if (k < capacity_ && p.z() > points_[k].z())
+            points_[k].set_z(p.z());
     };
     m03DPoint B;  // as in doubled(): (0, 0, 0) while the source has one column
     for (int j = 0; j < ys; j++) {
