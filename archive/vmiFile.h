@@ -49,8 +49,8 @@ public:
     // The catalogue is read into a buffer of this size; a longer one is cut.
     static constexpr int catalogue_buffer = 10000;
     // A scan image of more pixels than a grid may hold nodes
-    // (vmiBaseGrid::max_nodes, each size on its own too) is not read: its
-    // points and colours would take some 28 bytes a pixel.
+    // (vmiBaseGrid::max_nodes, each size on its own too) is not read: the
+    // points and colours the host gets of it take some 28 bytes a pixel.
     static constexpr long long max_image_pixels = 1LL << 23;
     // The most grid nodes and image pixels the tree of one file may hold,
     // scans, images and the grids of the orthotic models together (some 400
