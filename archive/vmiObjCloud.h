@@ -43,7 +43,7 @@ public:
         const float y = static_cast<float>(j) * sy_;
         return m03DPoint(static_cast<double>(x), static_cast<double>(y), z_);
     }
-    int colour(const int& k) const
+    int point_colour(const int& k) const
     {
         if (image_)
             return grey_ ? grey_[k] * grey_to_rgb : 0;

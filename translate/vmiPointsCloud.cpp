@@ -21,7 +21,7 @@ int vmiPointsCloud::convert(annPointCloudData& d) const
     for (int k = 0; k < n; k++) {
         const m03DPoint p = record_->point(k);
         points->set(k, giPoint3(p.x(), p.y(), p.z()));
-        const int packed = record_->colour(k);
+        const int packed = record_->point_colour(k);
         colours->set(k, giColour(packed >> 16, packed >> 8, packed, 0));
     }
     return 1;

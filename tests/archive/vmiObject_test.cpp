@@ -246,15 +246,23 @@ TEST(vmiObjCloud, BoxAndArraysOfCloud)
     EXPECT_TRUE(c.has_points());
     EXPECT_EQ(c.point(1).x(), 3.0);
     EXPECT_EQ(c.point(1).y(), -1.0);
-    EXPECT_EQ(c.colour(1), 0x405060);
+    EXPECT_EQ(c.point_colour(1), 0x405060);
     EXPECT_EQ(c.box().min(), giPoint3(1, -1, 1));
     EXPECT_EQ(c.box().max(), giPoint3(3, 1, 2));
+}
+
+TEST(vmiObjCloud, AttributeColourStaysApartFromThePointColours)
+{
+    vmiObjCloud c(utString("img"), new m03DPoint[1]{{1, 2, 3}}, new int[1]{0x102030}, 1);
+    c.colour(5);
+    EXPECT_EQ(c.colour(), 5);
+    EXPECT_EQ(c.point_colour(0), 0x102030);
 }
 
 TEST(vmiObjCloud, CloudWithoutColoursReadsBlack)
 {
     vmiObjCloud c(utString("img"), new m03DPoint[1]{{1, 2, 3}}, nullptr, 1);
-    EXPECT_EQ(c.colour(0), 0);
+    EXPECT_EQ(c.point_colour(0), 0);
     vmiObjCloud none(utString("none"), nullptr, nullptr, 3);
     EXPECT_FALSE(none.has_points());
 }
@@ -271,8 +279,8 @@ TEST(vmiObjCloud, ScanImageMakesItsPointsAndColoursFromItsGreyBytes)
         EXPECT_EQ(p.y(), static_cast<double>(static_cast<float>(k / 3) * 0.3f));
         EXPECT_EQ(p.z(), -5.0);
     }
-    EXPECT_EQ(c.colour(4), 0x00040404);
-    EXPECT_EQ(c.colour(5), 0x00FFFFFF);
+    EXPECT_EQ(c.point_colour(4), 0x00040404);
+    EXPECT_EQ(c.point_colour(5), 0x00FFFFFF);
     EXPECT_EQ(c.box().min(), giPoint3(0, 0, -5));
     EXPECT_EQ(c.box().max(),
               giPoint3(static_cast<double>(2 * 0.1f), static_cast<double>(0.3f), -5));
