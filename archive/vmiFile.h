@@ -49,9 +49,9 @@ public:
     // The catalogue is read into a buffer of this size; a longer one is cut.
     static constexpr int catalogue_buffer = 10000;
     // A scan image of more pixels than this (each size on its own too) is not
-    // read: its points and colours take some 28 bytes a pixel. A foot's
-    // picture of 320 x 160 mm at 0.12 mm (3.6 million pixels) fits; at 0.1
-    // mm (5.1 million) it does not. The bound keeps a whole import within a
+    // read: the points and colours the host gets of it take some 28 bytes a
+    // pixel. A foot's picture of 320 x 160 mm at 0.12 mm (3.6 million pixels)
+    // fits; at 0.1 mm (5.1 million) it does not. The bound keeps a whole import within a
     // second and a few hundred megabytes.
     static constexpr long long max_image_pixels = 1LL << 22;
     // True when both sizes lie in 0 ... max_image_pixels and width * height

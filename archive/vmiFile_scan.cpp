@@ -2,6 +2,7 @@
 // grid that becomes a triangle block; a scan image ("PCIM") is a grey-level
 // picture that becomes a flat coloured point cloud lying under the model.
 // Both readers start with the cursor right behind the 4-byte magic.
+#include <cstdint>
 #include <new>
 #include <string>
 
@@ -23,8 +24,6 @@ constexpr double image_plane_z = -5.0;
 // Pure white is drawn a light grey.
 constexpr int white = 255;
 constexpr int white_shown_as = 240;
-// A grey level copied into the red, green and blue bytes: 0x00gggggg.
-constexpr int grey_to_rgb = 65793;
 
 } // namespace
 
@@ -58,31 +57,21 @@ vmiObject* vmiFile::create_cloud_from_pcim()
     if (!image_size_allowed(width, height))
         return nullptr;
     const std::size_t n = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    m03DPoint* points = new (std::nothrow) m03DPoint[n];
-    int* colours = new (std::nothrow) int[n];
-    if (!points || !colours) {
-        delete[] points;
-        delete[] colours;
+    std::uint8_t* grey = new (std::nothrow) std::uint8_t[n];
+    if (!grey)
         return nullptr;
+    for (std::size_t k = 0; k < n; ++k) {
+        // Missing pixels (a truncated record) read as black.
+        int g = byte();
+        if (g == white)
+            g = white_shown_as;
+        grey[k] = static_cast<std::uint8_t>(g);
     }
-    std::size_t k = 0;
-    for (int j = 0; width > 0 && j < height; ++j) {
-        for (int i = 0; i < width; ++i, ++k) {
-            // Missing pixels (a truncated record) read as black.
-            int g = byte();
-            if (g == white)
-                g = white_shown_as;
-            colours[k] = g * grey_to_rgb;
-            // Each product in single precision, then widened.
-            const float x = static_cast<float>(i) * sx;
-            const float y = static_cast<float>(j) * sy;
-            points[k] = m03DPoint(static_cast<double>(x), static_cast<double>(y), image_plane_z);
-        }
-    }
-    vmiObjCloud* rec = new (std::nothrow) vmiObjCloud(std::move(name), points, colours, static_cast<int>(n));
+    // Each coordinate is a product in single precision, then widened.
+    vmiObjCloud* rec = new (std::nothrow)
+        vmiObjCloud(std::move(name), grey, width, height, sx, sy, image_plane_z);
     if (!rec) {
-        delete[] points;
-        delete[] colours;
+        delete[] grey;
         return nullptr;
     }
     return vmiObject::wrap(rec);

@@ -187,6 +187,40 @@ JsonWriter& JsonWriter::integer(std::int64_t value)
     return *this;
 }
 
+JsonWriter& JsonWriter::triple(double a, double b, double c)
+{
+    before_value();
+    const char* separator = pretty_ ? ", " : ",";
+    text_ += '[';
+    append_json_number(text_, a);
+    text_ += separator;
+    append_json_number(text_, b);
+    text_ += separator;
+    append_json_number(text_, c);
+    text_ += ']';
+    return *this;
+}
+
+JsonWriter& JsonWriter::triple(std::int64_t a, std::int64_t b, std::int64_t c)
+{
+    before_value();
+    // The three numbers and their separators, appended at once.
+    char buf[3 * 24 + 8];
+    char* p = buf;
+    *p++ = '[';
+    const std::int64_t v[3] = {a, b, c};
+    for (int k = 0; k < 3; ++k) {
+        if (k > 0) {
+            *p++ = ',';
+            if (pretty_) *p++ = ' ';
+        }
+        p = std::to_chars(p, buf + sizeof buf, v[k]).ptr;
+    }
+    *p++ = ']';
+    text_.append(buf, static_cast<std::size_t>(p - buf));
+    return *this;
+}
+
 JsonWriter& JsonWriter::boolean(bool value)
 {
     before_value();

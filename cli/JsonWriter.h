@@ -56,6 +56,11 @@ public:
     JsonWriter& integer(std::int64_t value);
     JsonWriter& boolean(bool value);
     JsonWriter& null();
+    // A single-line array of three values, as begin_array(true), the three
+    // values and end_array() write it; for the millions of coordinate and
+    // index triples of a dump.
+    JsonWriter& triple(double a, double b, double c);
+    JsonWriter& triple(std::int64_t a, std::int64_t b, std::int64_t c);
 
     // Closes what is still open and ends the document with a line feed.
     void finish();

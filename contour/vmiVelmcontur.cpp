@@ -83,7 +83,7 @@ vmiVelmcontur::vmiVelmcontur(char* data, const int& length, const int& identifie
     ynum_ = ynum < 0 ? 0 : static_cast<int>(ynum);
     randx_ = default_margin;
     randy_ = default_margin;
-    work_grid_ = make_working_grid(xnum_, ynum_, xres_, yres_, randx_, randy_);
+    grid_pending_ = true;
     proc_Velmcontur();
 }
 
@@ -178,6 +178,7 @@ void vmiVelmcontur::proc_Kerneldata()
     xnum_ = xnum, ynum_ = ynum, xres_ = xres, yres_ = yres, randx_ = randx, randy_ = randy;
     // Whatever earlier sections did to the old grid is lost with it.
     work_grid_ = std::move(grid);
+    grid_pending_ = false;
 }
 
 void vmiVelmcontur::proc_3DBrandsohle()
@@ -189,7 +190,7 @@ void vmiVelmcontur::proc_3DBrandsohle()
 
 void vmiVelmcontur::finish_model()
 {
-    if (!contour_ || !contour_map_ || !work_grid_)
+    if (!contour_ || !contour_map_ || !grid())
         return;
     work_grid_->make_closed_solid(*contour_map_);
     vmiObjGrid* model
@@ -201,6 +202,15 @@ void vmiVelmcontur::finish_model()
     add(model);
     // The finished model no longer needs the design's base grid.
     base_grid_.reset();
+}
+
+vmiBaseGrid* vmiVelmcontur::grid()
+{
+    if (grid_pending_) {
+        grid_pending_ = false;
+        work_grid_ = make_working_grid(xnum_, ynum_, xres_, yres_, randx_, randy_);
+    }
+    return work_grid_.get();
 }
 
 std::unique_ptr<vmiBaseGrid> vmiVelmcontur::make_grid(const long long& xnum, const long long& ynum,
@@ -230,11 +240,7 @@ vmiVelmcontur::make_working_grid(const int& xnum, const int& ynum, const double&
     // The base grid goes in with a margin of randx, randy on the low sides,
     // its lower left corner at (randx, randy).
     giBox3 box = base_grid_->box();
-    std::unique_ptr<vmiBaseGrid> copy(base_grid_->doubled());
-    if (copy) {
-        copy->offset(randx - box.min().x(), randy - box.min().y());
-        grid->merge(*copy);
-    }
+    grid->merge_doubled(*base_grid_, randx - box.min().x(), randy - box.min().y());
     return grid;
 }
 

@@ -99,7 +99,7 @@ public:
     int smoothing_factor() const { return smoothing_factor_; }
     // The working grid while the document holds it: null once "FINISH_MODEL"
     // has taken it, or when no grid of the asked geometry could be made.
-    vmiBaseGrid* working_grid() { return work_grid_.get(); }
+    vmiBaseGrid* working_grid() { return grid(); }
     vmiBaseGrid* base_grid() { return base_grid_.get(); }
     // The insole outline and its map over the working grid ("HContour2").
     m03DVector* contour() { return contour_.get(); }
@@ -230,8 +230,13 @@ private:
     std::unique_ptr<vmiBaseGrid> place_pad(const FloatArray& mata, const int& xm, const int& ym,
                                            const double& xre, const double& yre, double* m);
     // The working grid's extents: nodes times spacing.
-    double extent_x() const;
-    double extent_y() const;
+    double extent_x();
+    double extent_y();
+    // The working grid, made on first use: a design's "Kerneldata" usually
+    // replaces the grid the document starts with before any section has
+    // touched it, and a grid is costly to make (the base grid doubled and
+    // merged in), so the starting one is made only when a section needs it.
+    vmiBaseGrid* grid();
 
     int status_ = -1;
     std::unique_ptr<vmiVelmCoReader> reader_;
@@ -247,6 +252,8 @@ private:
     int smoothing_factor_ = 1;
     std::unique_ptr<vmiBaseGrid> base_grid_;
     std::unique_ptr<vmiBaseGrid> work_grid_;
+    // True while work_grid_ is still to be made with the geometry above.
+    bool grid_pending_ = false;
     std::unique_ptr<vmiPolylineGridMap> contour_map_;
     std::unique_ptr<m03DVector> contour_;
     coPageArr<vmiObject*> objects_;

@@ -74,14 +74,14 @@ m03DVector* band(const double& width, const double& y1l, const double& y1r, cons
 
 }  // namespace
 
-double vmiVelmcontur::extent_x() const
+double vmiVelmcontur::extent_x()
 {
-    return work_grid_->x_size() * work_grid_->d_x();
+    return grid()->x_size() * grid()->d_x();
 }
 
-double vmiVelmcontur::extent_y() const
+double vmiVelmcontur::extent_y()
 {
-    return work_grid_->y_size() * work_grid_->d_y();
+    return grid()->y_size() * grid()->d_y();
 }
 
 double* vmiVelmcontur::copy_values(const FloatArray& array, const int& n, const int& least)
@@ -114,7 +114,7 @@ void vmiVelmcontur::proc_HContour2()
                   {"flag2=", &flag2}});
     // Without the flag, or without at least two outline points, the section
     // changes nothing.
-    if (flag2 == 0 || nanz2 < 2 || !work_grid_)
+    if (flag2 == 0 || nanz2 < 2 || !grid())
         return;
     m03DVector* points = outline(x2, y2, nullptr, nanz2);
     if (!points)
@@ -129,25 +129,25 @@ void vmiVelmcontur::proc_HContour2()
     if (!contour || contour->size() != approximation->size())
         return;
     std::unique_ptr<vmiPolylineGridMap> map(
-        new (std::nothrow) vmiPolylineGridMap(work_grid_.get(), contour.get()));
+        new (std::nothrow) vmiPolylineGridMap(grid(), contour.get()));
     if (!map)
         return;
     // A later "HContour2" replaces the outline and its map; the earlier ones
     // are released with them.
     contour_ = std::move(contour);
     contour_map_ = std::move(map);
-    std::unique_ptr<vmiBaseGrid> cut(work_grid_->cut_boundary2(*contour_map_));
+    std::unique_ptr<vmiBaseGrid> cut(grid()->cut_boundary2(*contour_map_));
     if (cut)
         work_grid_ = std::move(cut);
 }
 
 bool vmiVelmcontur::contour_fits(m03DVector* poly)
 {
-    if (!poly || poly->size() < 2 || !work_grid_)
+    if (!poly || poly->size() < 2 || !grid())
         return false;
     // Points beyond the grid are held at its border, as the map holds them.
-    const double width = work_grid_->x_size() * work_grid_->d_x();
-    const double length = work_grid_->y_size() * work_grid_->d_y();
+    const double width = grid()->x_size() * grid()->d_x();
+    const double length = grid()->y_size() * grid()->d_y();
     double cells = 0.0, px = 0.0, py = 0.0;
     for (int i = 0; i < poly->size(); ++i) {
         const m03DPoint& p = poly->point(i);
@@ -156,7 +156,7 @@ bool vmiVelmcontur::contour_fits(m03DVector* poly)
         double x = std::fmin(std::fmax(p.x(), 0.0), width);
         double y = std::fmin(std::fmax(p.y(), 0.0), length);
         if (i > 0)
-            cells += std::fabs(x - px) / work_grid_->d_x() + std::fabs(y - py) / work_grid_->d_y();
+            cells += std::fabs(x - px) / grid()->d_x() + std::fabs(y - py) / grid()->d_y();
         px = x;
         py = y;
     }
@@ -201,15 +201,15 @@ void vmiVelmcontur::proc_HPelotteS()
         m.reset(copy_values(matt, placement_values));
     }
     // Only a named pad with heights is applied; an empty name counts.
-    if (!named || !mata.present() || !usable(work_grid_.get()))
+    if (!named || !mata.present() || !usable(grid()))
         return;
     std::unique_ptr<vmiBaseGrid> pad = place_pad(mata, xm, ym, xre, yre, m.get());
     if (!pad)
         return;
     if (flag != 0)
-        work_grid_->merge(*pad);
+        grid()->merge(*pad);
     else
-        work_grid_->drop(*pad);
+        grid()->drop(*pad);
 }
 
 std::unique_ptr<vmiBaseGrid> vmiVelmcontur::place_pad(const FloatArray& mata, const int& xm,
@@ -255,13 +255,13 @@ void vmiVelmcontur::proc_HGloba()
     read_section(
         "HGloba", close_height,
         {{"mat=", &mat, {nullptr, nullptr, 16}}, {"minZ=", &min_z}, {"useMinZ=", &use_min_z}});
-    if (!mat.present() || !usable(work_grid_.get()))
+    if (!mat.present() || !usable(grid()))
         return;
     std::unique_ptr<double[]> m(copy_values(mat, placement_values));
     if (!m)
         return;
-    m03DPoint* points = work_grid_->points_array();
-    const int nodes = work_grid_->x_size() * work_grid_->y_size();
+    m03DPoint* points = grid()->points_array();
+    const int nodes = grid()->x_size() * grid()->y_size();
     if (use_min_z != 0) {
         double lowest = no_lowest_z;
         for (int k = 0; k < nodes; ++k)
@@ -296,7 +296,7 @@ void vmiVelmcontur::proc_HPelotte()
     // A pad needs an outline of at least two points; the profile arrays
     // are optional (without them the pad is flat).
     if (!x.present() || !y.present() || nanz < 2 || nanz > max_outline_points
-        || !usable(work_grid_.get()))
+        || !usable(grid()))
         return;
     // The profile reads three values of each profile array whatever the count.
     constexpr int profile_values = 3;
@@ -306,7 +306,7 @@ void vmiVelmcontur::proc_HPelotte()
     if (!xs || !ys || (xb.present() && !xbs) || (yb.present() && !ybs))
         return;
     std::unique_ptr<vmiHPelotte> pad(new (std::nothrow) vmiHPelotte(
-        work_grid_.get(), nanz, xs.release(), ys.release(), xbs.release(), ybs.release(), xm, ym));
+        grid(), nanz, xs.release(), ys.release(), xbs.release(), ybs.release(), xm, ym));
     if (pad)
         pad->build_HPelotte(typus, awert, glaett);
 }
@@ -328,7 +328,7 @@ void vmiVelmcontur::proc_HPlinie()
                   {"xm=", &xm, {&nanz, nullptr, 5}},
                   {"ym=", &ym, {&nanz, nullptr, 5}}});
     if (!x.present() || !y.present() || !xm.present() || !ym.present() || nanz < 2
-        || nanz > max_line_stations || !usable(work_grid_.get()))
+        || nanz > max_line_stations || !usable(grid()))
         return;
     constexpr int station_values = 5;
     std::unique_ptr<double[]> xs(copy_values(x, nanz)), ys(copy_values(y, nanz));
@@ -338,7 +338,7 @@ void vmiVelmcontur::proc_HPlinie()
         return;
     // The line copies what it needs; the arrays stay here.
     std::unique_ptr<vmiHPline> line(new (std::nothrow) vmiHPline(
-        work_grid_.get(), nanz, xs.get(), ys.get(), px.get(), pz.get()));
+        grid(), nanz, xs.get(), ys.get(), px.get(), pz.get()));
     if (line)
         line->build_HPlinie(flag);
 }
@@ -361,7 +361,7 @@ void vmiVelmcontur::proc_HPunkt()
                   {"xm2=", &xm2, {nullptr, nullptr, 5}},
                   {"ym2=", &ym2, {nullptr, nullptr, 5}}});
     if (!xm1.present() || !ym1.present() || !xm2.present() || !ym2.present()
-        || !usable(work_grid_.get()))
+        || !usable(grid()))
         return;
     std::unique_ptr<double[]> a(copy_values(xm1, point_profile_values));
     std::unique_ptr<double[]> b(copy_values(ym1, point_profile_values));
@@ -371,7 +371,7 @@ void vmiVelmcontur::proc_HPunkt()
         return;
     // The point owns its four profile arrays from here on.
     std::unique_ptr<vmiHPunkt> point(new (std::nothrow) vmiHPunkt(
-        work_grid_.get(), alpha, x, y, a.release(), b.release(), c.release(), d.release()));
+        grid(), alpha, x, y, a.release(), b.release(), c.release(), d.release()));
     if (point)
         point->build_HPunkt(flag);
 }
@@ -397,7 +397,7 @@ void vmiVelmcontur::proc_HTorsion()
                   {"mode=", &mode},
                   {"area=", &area},
                   {"smtype=", &smtype}});
-    if (!usable(work_grid_.get()))
+    if (!usable(grid()))
         return;
     // The grid's edges lie one unit beyond its first and last nodes.
     const double left = -edge_margin, lower = -edge_margin;
@@ -425,7 +425,7 @@ void vmiVelmcontur::proc_HTorsion()
     for (int k = 0; k < 5; ++k)
         polygon->set_point(k, side == 0 ? corners_left[k] : corners_right[k]);
     std::unique_ptr<vmiHTorsion> torsion(
-        new (std::nothrow) vmiHTorsion(work_grid_.get(), polygon.get(), up_left, up_right, lo_left,
+        new (std::nothrow) vmiHTorsion(grid(), polygon.get(), up_left, up_right, lo_left,
                                        lo_right, x_lo_point, x_up_point, a_mid, p_contour, value));
     if (torsion)
         torsion->build_HTorsion(smtype);
@@ -444,14 +444,14 @@ void vmiVelmcontur::proc_HSprenglinie()
                   {"hsel=", &hsel, {&selcount}},
                   {"res=", &res},
                   {"hpos=", &hpos, {&selcount}}});
-    if (!contour_ || !usable(work_grid_.get()) || !hpos.present() || !hsel.present()
+    if (!contour_ || !usable(grid()) || !hpos.present() || !hsel.present()
         || selcount < 0 || selcount > max_outline_points)
         return;
     int ymin = 0, ymax = 0;
-    get_y_min_max(work_grid_.get(), contour_.get(), ymin, ymax);
+    get_y_min_max(grid(), contour_.get(), ymin, ymax);
     // The profile runs along the foot (x) with the lift as its y, from 0 at
     // the grid's start to 0 at its end.
-    const double d_y = work_grid_->d_y();
+    const double d_y = grid()->d_y();
     m03DVector* profile = new (std::nothrow) m03DVector(selcount + 2);
     if (!profile || profile->size() != selcount + 2) {
         delete profile;
@@ -467,7 +467,7 @@ void vmiVelmcontur::proc_HSprenglinie()
     m03SplineCurve spline(profile);
     std::unique_ptr<m0BspCurve> curve(spline.bsp_curve());
     if (curve)
-        work_grid_->proc_HSprenglinie(curve.get());
+        grid()->proc_HSprenglinie(curve.get());
 }
 
 void vmiVelmcontur::proc_HSpreng()
@@ -486,11 +486,11 @@ void vmiVelmcontur::proc_HSpreng()
                   {"y1R=", &y1_r},
                   {"y2L=", &y2_l},
                   {"y2R=", &y2_r}});
-    if (!usable(work_grid_.get()))
+    if (!usable(grid()))
         return;
     std::unique_ptr<m03DVector> line(band(extent_x(), y1_l, y1_r, y2_r, y2_l));
     if (line)
-        work_grid_->proc_HSpreng(line.get(), -z2, spring_far_side);
+        grid()->proc_HSpreng(line.get(), -z2, spring_far_side);
 }
 
 void vmiVelmcontur::proc_HFFootMod()
@@ -505,7 +505,7 @@ void vmiVelmcontur::proc_HFFootMod()
                   {"pinner=", &p_inner, {nullptr, nullptr, 2}},
                   {"height=", &height},
                   {"minz=", &min_z}});
-    if (!usable(work_grid_.get()))
+    if (!usable(grid()))
         return;
     // One cubic segment through the two ends, its apex doubled.
     m03DVector* points = new (std::nothrow) m03DVector(4);
@@ -524,7 +524,7 @@ void vmiVelmcontur::proc_HFFootMod()
     std::unique_ptr<m03DVector> bead(curve->approximate(bead_start, bead_end, bead_tolerance));
     curve.reset();
     if (bead)
-        work_grid_->build_HFFootMod(bead.get(), min_z, height);
+        grid()->build_HFFootMod(bead.get(), min_z, height);
 }
 
 void vmiVelmcontur::proc_HGlaett()
@@ -540,7 +540,7 @@ void vmiVelmcontur::proc_HGlaett()
                   {"y2l=", &y2l},
                   {"y2r=", &y2r}});
     smoothing_factor_ = gfactor;
-    if (!usable(work_grid_.get()))
+    if (!usable(grid()))
         return;
     const bool upper_open = y1l == to_the_end && y1r == to_the_end;
     const bool lower_open = y2l == to_the_end && y2r == to_the_end;
@@ -549,9 +549,9 @@ void vmiVelmcontur::proc_HGlaett()
         if (gfactor < 2)
             return;
         if (contour_map_)
-            work_grid_->do_smoothing(gfactor, *contour_map_);
+            grid()->do_smoothing(gfactor, *contour_map_);
         else
-            work_grid_->do_smoothing(gfactor);
+            grid()->do_smoothing(gfactor);
         return;
     }
     // A band; a limit pair left open runs to the grid's end. A single -1.0
@@ -563,8 +563,8 @@ void vmiVelmcontur::proc_HGlaett()
     std::unique_ptr<m03DVector> limits(band(extent_x(), y1l, y1r, y2r, y2l));
     if (!limits)
         return;
-    vmiPolylineGridMap map(work_grid_.get(), limits.get());
-    work_grid_->do_smoothing(gfactor, map);
+    vmiPolylineGridMap map(grid(), limits.get());
+    grid()->do_smoothing(gfactor, map);
 }
 
 void vmiVelmcontur::proc_HAbzug()
@@ -572,6 +572,6 @@ void vmiVelmcontur::proc_HAbzug()
     utString name;
     double abzug = 0.0;
     read_section("HAbzug", close_height, {{"name=", &name}, {"abzug=", &abzug}});
-    if (usable(work_grid_.get()))
-        work_grid_->do_HAbzug(abzug);
+    if (usable(grid()))
+        grid()->do_HAbzug(abzug);
 }

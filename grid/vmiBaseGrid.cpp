@@ -23,8 +23,9 @@ vmiBaseGrid::vmiBaseGrid(vmiBaseGrid& other)
     }
     if (!allocate())
         return;
-    for (int i = 0; i < x_size_; i++)
-        for (int j = 0; j < y_size_; j++)
+    // Row by row, as both arrays lie.
+    for (int j = 0; j < y_size_; j++)
+        for (int i = 0; i < x_size_; i++)
             point(i, j, other.point(i, j));
 }
 
@@ -33,8 +34,8 @@ vmiBaseGrid::vmiBaseGrid(const int& x_size, const int& y_size, const double& d_x
 {
     if (!allocate())
         return;
-    for (int i = 0; i < x_size_; i++)
-        for (int j = 0; j < y_size_; j++)
+    for (int j = 0; j < y_size_; j++)
+        for (int i = 0; i < x_size_; i++)
             point(i, j, m03DPoint(i * d_x_, j * d_y_, empty_z));
 }
 
@@ -85,20 +86,6 @@ void vmiBaseGrid::make_empty()
 
 // ---------------------------------------------------------------------------
 // Node access
-
-int vmiBaseGrid::intf(double v)
-{
-    // NaN and values beyond the bound land far outside every grid.
-    if (!(v > -intf_bound))
-        return -intf_bound;
-    if (v > intf_bound)
-        return intf_bound;
-    int t = static_cast<int>(v);
-    // The step up is taken for negative values too (-1.7 gives 0): kept as designed.
-    if (std::fabs(v - t) > 0.5)
-        t = t + 1;
-    return t;
-}
 
 void vmiBaseGrid::set_z(const int& i, const int& j, const double& z)
 {

@@ -3,6 +3,8 @@
 // d_y, each node an m03DPoint holding its own world x, y and its height z,
 // stored row by row (node (i, j) at j * x_size + i). A node is empty when its
 // z is empty_z.
+#include <cmath>
+
 #include "curves/m03DPoint.h"
 #include "host/giBox3.h"
 
@@ -81,6 +83,10 @@ public:
     void do_HAbzug(const double& d);
     vmiBaseGrid* doubled(vmiBaseGrid& src);
     vmiBaseGrid* doubled();
+    // Merges doubled(src), every node shifted by (dx, dy), without making the
+    // refined grid: the same nodes in the same order as doubled(src) followed
+    // by offset(dx, dy) and merge would give.
+    void merge_doubled(vmiBaseGrid& src, const double& dx, const double& dy);
     void drop(m03DPoint* pts, const int& n);
     void drop(vmiBaseGrid& other);
     void cut_boundary(vmiPolylineGridMap& map);
@@ -154,6 +160,11 @@ private:
     // that inside(a, b) admits.
     template <class Inside>
     double mean_height(int i, int j, int r, Inside inside);
+    // A smoothing pass's view of the heights it reads (see do_smoothing).
+    struct SmoothingHeights;
+    template <class Inside>
+    bool smoothing_heights(SmoothingHeights& h, Inside inside);
+    double smoothed_height(const SmoothingHeights& h, int i, int j, int r) const;
     // Clamps a loop bound into 0 ... limit, computed wide so that b + 1 cannot overflow.
     static int clamp_index(long long v, int limit);
     // Releases the array and leaves a 0 x 0 grid.
@@ -182,6 +193,20 @@ inline m03DPoint& vmiBaseGrid::point(const int& i, const int& j)
     if (points_ == nullptr || k >= capacity_)
         return fallback_;
     return points_[k];
+}
+
+inline int vmiBaseGrid::intf(double v)
+{
+    // NaN and values beyond the bound land far outside every grid.
+    if (!(v > -intf_bound))
+        return -intf_bound;
+    if (v > intf_bound)
+        return intf_bound;
+    int t = static_cast<int>(v);
+    // The step up is taken for negative values too (-1.7 gives 0): kept as designed.
+    if (std::fabs(v - t) > 0.5)
+        t = t + 1;
+    return t;
 }
 
 inline void vmiBaseGrid::point(const int& i, const int& j, const m03DPoint& p)

@@ -70,26 +70,82 @@ double vmiBaseGrid::everage_height(vmiPolylineGridMap& map, const int& i, const 
     return mean_height(i, j, r, [&map](int a, int b) { return map.is_inside_the_cros_map(a, b); });
 }
 
+// The heights a smoothing pass reads, taken once before it writes: node
+// (i, j) at i * y_size + j, column by column as the means sum them, holding
+// its height when it counts (valid, and admitted by inside) and +0.0 when not.
+// Adding +0.0 leaves a sum that starts at +0.0 exactly as it was, so a mean
+// over these sums the very values everage_height sums, in its order.
+struct vmiBaseGrid::SmoothingHeights {
+    std::unique_ptr<double[]> z;
+    std::unique_ptr<unsigned char[]> counts;
+};
+
+template <class Inside>
+bool vmiBaseGrid::smoothing_heights(SmoothingHeights& h, Inside inside)
+{
+    // A grid whose sizes do not match its array is not smoothed, as a copy of
+    // it could not be taken.
+    if (points_ == nullptr || !size_allowed(x_size_, y_size_)
+        || static_cast<long long>(x_size_) * y_size_ != capacity_)
+        return false;
+    h.z.reset(new (std::nothrow) double[capacity_]);
+    h.counts.reset(new (std::nothrow) unsigned char[capacity_]);
+    if (!h.z || !h.counts)
+        return false;
+    for (int j = 0; j < y_size_; j++)
+        for (int i = 0; i < x_size_; i++) {
+            const long long k = static_cast<long long>(i) * y_size_ + j;
+            const double z = points_[static_cast<long long>(j) * x_size_ + i].z();
+            const bool counts = z > valid_z && inside(i, j);
+            h.z[k] = counts ? z : 0.0;
+            h.counts[k] = counts ? 1 : 0;
+        }
+    return true;
+}
+
+double vmiBaseGrid::smoothed_height(const SmoothingHeights& h, int i, int j, int r) const
+{
+    // everage_height's window and order over the heights taken.
+    int i0 = clamp_index(static_cast<long long>(i) - (static_cast<long long>(r) - 1), x_size_);
+    int i1 = clamp_index(static_cast<long long>(i) + r, x_size_);
+    int j0 = clamp_index(static_cast<long long>(j) - (static_cast<long long>(r) - 1), y_size_);
+    int j1 = clamp_index(static_cast<long long>(j) + r, y_size_);
+    if (j0 >= j1)
+        return 0.0;
+    double sum = 0.0;
+    int count = 0;
+    for (int a = i0; a < i1; a++) {
+        const long long column = static_cast<long long>(a) * y_size_;
+        const double* z = h.z.get() + column;
+        const unsigned char* c = h.counts.get() + column;
+        for (int b = j0; b < j1; b++) {
+            sum += z[b];
+            count += c[b];
+        }
+    }
+    return count == 0 ? 0.0 : sum / count;
+}
+
 void vmiBaseGrid::do_smoothing(const int& r)
 {
     if (smoothing_reads(capacity_, x_size_, y_size_, r) > max_smoothing_reads)
         return;
-    // Every mean reads the unsmoothed heights of the copy.
-    vmiBaseGrid copy(*this);
-    if (copy.capacity_ != capacity_)
+    // Every mean reads the unsmoothed heights.
+    SmoothingHeights h;
+    if (!smoothing_heights(h, [](int, int) { return true; }))
         return;
-    for (int i = 0; i < x_size_; i++)
-        for (int j = 0; j < y_size_; j++)
+    for (int j = 0; j < y_size_; j++)
+        for (int i = 0; i < x_size_; i++)
             if (point(i, j).z() > valid_z)
-                set_z(i, j, copy.everage_height(i, j, r));
+                set_z(i, j, smoothed_height(h, i, j, r));
 }
 
 void vmiBaseGrid::do_smoothing(const int& r, vmiPolylineGridMap& map)
 {
     if (smoothing_reads(capacity_, x_size_, y_size_, r) > max_smoothing_reads)
         return;
-    vmiBaseGrid copy(*this);
-    if (copy.capacity_ != capacity_)
+    SmoothingHeights h;
+    if (!smoothing_heights(h, [&map](int a, int b) { return map.is_inside_the_cros_map(a, b); }))
         return;
     const int first = std::max(map.y_min(), 0);
     const int last = std::min(map.y_max(), y_size_ - 1);
@@ -103,7 +159,7 @@ void vmiBaseGrid::do_smoothing(const int& r, vmiPolylineGridMap& map)
             const int from = std::max(c[k], 0);
             const int to = std::min(c[k + 1], x_size_ - 1);
             for (int i = from; i <= to; i++)
-                set_z(i, j, copy.everage_height(map, i, j, r));
+                set_z(i, j, smoothed_height(h, i, j, r));
         }
     }
 }
@@ -157,6 +213,47 @@ vmiBaseGrid* vmiBaseGrid::doubled(vmiBaseGrid& src)
 vmiBaseGrid* vmiBaseGrid::doubled()
 {
     return doubled(*this);
+}
+
+void vmiBaseGrid::merge_doubled(vmiBaseGrid& src, const double& dx, const double& dy)
+{
+    // The refined grid doubled(src) would have: without room for it, nothing
+    // is merged, as a refined grid left empty merges nothing.
+    const int xs = src.x_size_;
+    const int ys = src.y_size_;
+    if (!size_allowed(2LL * xs - 1, 2LL * ys - 1))
+        return;
+    // Its nodes in its own storage order, each shifted and merged as soon as
+    // it is known; doubled() builds them the same way, row by row, the odd
+    // row 2j - 1 from the same source row j as the even row 2j.
+    auto put = [&](const m03DPoint& p) {
+        if (!(p.z() > empty_z))
+            return;
+        const double x = p.x() + dx;
+        const double y = p.y() + dy;
+        const int i = intf(x / d_x_);
+        const int j = intf(y / d_y_);
+        // set_z_if_less, without its calls.
+        if (i < 0 || i >= x_size_ || j < 0 || j >= y_size_)
+            return;
+        const long long k = static_cast<long long>(j) * x_size_ + i;
+        if (k < capacity_ && p.z() > points_[k].z())
+            points_[k].set_z(p.z());
+    };
+    m03DPoint B;  // as in doubled(): (0, 0, 0) while the source has one column
+    for (int j = 0; j < ys; j++) {
+        if (xs >= 2)
+            B = src.point(xs - 1, j);
+        for (int odd = j > 0 ? 1 : 0; odd >= 0; odd--) {
+            for (int i = 0; i < xs - 1; i++) {
+                const m03DPoint A = src.point(i, j);
+                const m03DPoint M = middle(A, src.point(i + 1, j));
+                put(odd ? middle(A, A) : A);
+                put(odd ? middle(M, M) : M);
+            }
+            put(odd ? middle(B, B) : B);
+        }
+    }
 }
 
 void vmiBaseGrid::drop(m03DPoint* pts, const int& n)

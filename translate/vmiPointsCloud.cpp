@@ -12,17 +12,16 @@ int vmiPointsCloud::convert(annPointCloudData& d) const
     annColArr* colours = d.features().ensure<annColArr>();
     if (!points || !colours)
         return 0;
-    const m03DPoint* p = record_ ? record_->points_array() : nullptr;
-    const int* c = record_ ? record_->colour_array() : nullptr;
-    int n = p && record_->size() > 0 ? record_->size() : 0;
+    const int n = record_ && record_->has_points() && record_->size() > 0 ? record_->size() : 0;
     if (!points->resize(n) || !colours->resize(n)) {
         points->clear();
         colours->clear();
         return 0;
     }
     for (int k = 0; k < n; k++) {
-        points->set(k, giPoint3(p[k].x(), p[k].y(), p[k].z()));
-        int packed = c ? c[k] : 0;
+        const m03DPoint p = record_->point(k);
+        points->set(k, giPoint3(p.x(), p.y(), p.z()));
+        const int packed = record_->point_colour(k);
         colours->set(k, giColour(packed >> 16, packed >> 8, packed, 0));
     }
     return 1;

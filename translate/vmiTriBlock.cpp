@@ -11,24 +11,31 @@
 
 namespace {
 
-// Appends the present nodes as vertices; index[k] is node k's vertex number
-// or -1. False when storage runs out.
+// The present nodes become the vertices, in node order; index[k] is node k's
+// vertex number or -1. The nodes are counted first so that the array is
+// sized once. False when storage runs out.
 bool add_vertices(vmiBaseGrid& grid, int nx, int ny, std::vector<int>& index, giNodeXYZ& vertices)
 {
     int count = 0;
     for (int j = 0; j < ny; j++) {
         for (int i = 0; i < nx; i++) {
             const m03DPoint& p = grid.point(i, j);
-            int k = -1;
             // A missing height is no vertex: the scan import stores one as
             // -1000000000 * dz, the grid an empty node as empty_z, both at or
             // below valid_z.
-            if (p.z() > vmiBaseGrid::valid_z) {
-                if (!vertices.add(giPoint3(p.x(), p.y(), p.z())))
-                    return false;
-                k = count++;
+            index[static_cast<std::size_t>(j) * static_cast<std::size_t>(nx) + static_cast<std::size_t>(i)]
+                = p.z() > vmiBaseGrid::valid_z ? count++ : -1;
+        }
+    }
+    if (!vertices.resize(count))
+        return false;
+    for (int j = 0; j < ny; j++) {
+        for (int i = 0; i < nx; i++) {
+            const int k = index[static_cast<std::size_t>(j) * static_cast<std::size_t>(nx) + static_cast<std::size_t>(i)];
+            if (k >= 0) {
+                const m03DPoint& p = grid.point(i, j);
+                vertices.set(k, giPoint3(p.x(), p.y(), p.z()));
             }
-            index[static_cast<std::size_t>(j) * static_cast<std::size_t>(nx) + static_cast<std::size_t>(i)] = k;
         }
     }
     return true;
@@ -37,7 +44,9 @@ bool add_vertices(vmiBaseGrid& grid, int nx, int ny, std::vector<int>& index, gi
 // Up to two triangles per cell, nodes a b over c d: (a, b, c) and (b, d, c).
 // A cell whose first node is present and whose second is missing is passed
 // over at once; both triangles need b, so the rule only spares the tests.
-bool add_triangles(const std::vector<int>& index, int nx, int ny, giTriArr& triangles)
+// each(a, b, c) is called for every triangle, in order.
+template <class Each>
+void each_triangle(const std::vector<int>& index, int nx, int ny, Each each)
 {
     for (int j = 0; j + 1 < ny; j++) {
         for (int i = 0; i + 1 < nx; i++) {
@@ -49,12 +58,24 @@ bool add_triangles(const std::vector<int>& index, int nx, int ny, giTriArr& tria
             int d = index[next + static_cast<std::size_t>(i) + 1];
             if (a >= 0 && b < 0)
                 continue;
-            if (a >= 0 && b >= 0 && c >= 0 && !triangles.add(giTriangle(a, b, c)))
-                return false;
-            if (b >= 0 && c >= 0 && d >= 0 && !triangles.add(giTriangle(b, d, c)))
-                return false;
+            if (a >= 0 && b >= 0 && c >= 0)
+                each(a, b, c);
+            if (b >= 0 && c >= 0 && d >= 0)
+                each(b, d, c);
         }
     }
+}
+
+// The triangles, counted first so that the array is sized once (a count
+// beyond what a feature holds is refused by it). False when storage runs out.
+bool add_triangles(const std::vector<int>& index, int nx, int ny, giTriArr& triangles)
+{
+    long long count = 0;
+    each_triangle(index, nx, ny, [&](int, int, int) { count++; });
+    if (count > giTriArr::max_count || !triangles.resize(static_cast<int>(count)))
+        return false;
+    int k = 0;
+    each_triangle(index, nx, ny, [&](int a, int b, int c) { triangles.set(k++, giTriangle(a, b, c)); });
     return true;
 }
 

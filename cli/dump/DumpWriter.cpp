@@ -59,7 +59,7 @@ void DumpWriter::points(JsonWriter& w, const std::vector<giPoint3>& v, const std
         return;
     }
     w.begin_array();
-    for (const giPoint3& p : v) w.begin_array(true).number(p.x()).number(p.y()).number(p.z()).end_array();
+    for (const giPoint3& p : v) w.triple(p.x(), p.y(), p.z());
     w.end_array();
 }
 
@@ -71,7 +71,7 @@ void DumpWriter::triangles(JsonWriter& w, const std::vector<giTriangle>& v,
         return;
     }
     w.begin_array();
-    for (const giTriangle& t : v) w.begin_array(true).integer(t.a()).integer(t.b()).integer(t.c()).end_array();
+    for (const giTriangle& t : v) w.triple(std::int64_t{t.a()}, std::int64_t{t.b()}, std::int64_t{t.c()});
     w.end_array();
 }
 
@@ -82,7 +82,7 @@ void DumpWriter::colours(JsonWriter& w, const std::vector<giColour>& v, const st
         return;
     }
     w.begin_array();
-    for (const giColour& c : v) w.begin_array(true).integer(c.r()).integer(c.g()).integer(c.b()).end_array();
+    for (const giColour& c : v) w.triple(std::int64_t{c.r()}, std::int64_t{c.g()}, std::int64_t{c.b()});
     w.end_array();
 }
 

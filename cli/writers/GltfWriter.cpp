@@ -28,6 +28,9 @@ public:
 
     int group_node(const SceneGroup& g, bool top, double scale);
     bool too_large() const { return too_large_; }
+    // The buffer's room for every view of g, taken before the views are
+    // written, so that a large buffer is not copied as it grows.
+    void reserve(const SceneGroup& g);
 
 private:
     int item_node(const SceneItemInfo& info, int mesh);
@@ -44,6 +47,30 @@ private:
     std::map<int, int> materials_;
     bool too_large_ = false;
 };
+
+// Bytes of one view, with the padding before the next.
+std::size_t view_bytes(std::size_t n) { return (n + 3) & ~std::size_t(3); }
+
+std::size_t buffer_bytes(const SceneGroup& g)
+{
+    std::size_t n = 0;
+    for (const SceneGroup& sub : g.groups) n += buffer_bytes(sub);
+    for (const SceneMesh& mesh : g.meshes)
+        if (mesh.is_valid())
+            n += view_bytes(mesh.vertices.size() * 3 * sizeof(float)) +
+                 view_bytes(mesh.triangles.size() * sizeof(mesh.triangles[0]));
+    for (const SceneCurve& curve : g.curves) n += view_bytes(curve.sample().size() * 3 * sizeof(float));
+    for (const ScenePointCloud& cloud : g.clouds)
+        if (!cloud.points.empty()) n += view_bytes(cloud.points.size() * 3 * sizeof(float)) + cloud.points.size() * 4;
+    return n;
+}
+
+void ModelBuilder::reserve(const SceneGroup& g)
+{
+    const std::size_t n = buffer_bytes(g);
+    // Beyond what a buffer may hold, the views report it as they come.
+    if (n <= max_buffer_bytes) m_.buffers[0].data.reserve(n);
+}
 
 int ModelBuilder::view(const void* bytes, std::size_t n, std::size_t stride, int target)
 {
@@ -257,6 +284,7 @@ std::string GltfWriter::write(const Scene& scene, double scale, bool binary, std
     m.asset.version = "2.0";
     m.asset.generator = "velmora convert";
     ModelBuilder builder(m);
+    builder.reserve(scene.top);
     const int root = builder.group_node(scene.top, true, scale);
     if (builder.too_large()) return "the geometry is too large for one glTF buffer";
     tinygltf::Scene s;

@@ -69,10 +69,10 @@ TEST(ScanImage, WhitePixelBecomesLightGreyOthersKeepTheirGreyInEveryColourByte)
     vmiObjCloud* c = o->cloud();
     ASSERT_NE(c, nullptr);
     ASSERT_EQ(c->size(), 4);
-    EXPECT_EQ(c->colour_array()[0], 0x00F0F0F0);
-    EXPECT_EQ(c->colour_array()[1], 0x00FEFEFE);
-    EXPECT_EQ(c->colour_array()[2], 0);
-    EXPECT_EQ(c->colour_array()[3], 0x00070707);
+    EXPECT_EQ(c->point_colour(0), 0x00F0F0F0);
+    EXPECT_EQ(c->point_colour(1), 0x00FEFEFE);
+    EXPECT_EQ(c->point_colour(2), 0);
+    EXPECT_EQ(c->point_colour(3), 0x00070707);
     delete o;
 }
 
@@ -99,12 +99,12 @@ TEST(ScanImage, AllPointsLieInThePlaneZMinus5WithSinglePrecisionSpacings)
     ASSERT_EQ(c->size(), 6);
     for (int j = 0; j < 2; ++j)
         for (int i = 0; i < 3; ++i) {
-            const m03DPoint& p = c->points_array()[j * 3 + i];
+            const m03DPoint p = c->point(j * 3 + i);
             EXPECT_EQ(p.z(), -5.0);
             EXPECT_EQ(p.x(), static_cast<double>(static_cast<float>(i) * 0.1f));
             EXPECT_EQ(p.y(), static_cast<double>(static_cast<float>(j) * 0.3f));
         }
-    EXPECT_EQ(c->colour_array()[5], 6 * 65793);
+    EXPECT_EQ(c->point_colour(5), 6 * 65793);
     delete o;
 }
 
@@ -144,9 +144,9 @@ TEST(ScanImage, TruncatedRecordReadsItsMissingPixelsAsBlack)
     ASSERT_NE(o, nullptr);
     vmiObjCloud* c = o->cloud();
     ASSERT_EQ(c->size(), 4);
-    EXPECT_EQ(c->colour_array()[1], 201 * 65793);
-    EXPECT_EQ(c->colour_array()[2], 0);
-    EXPECT_EQ(c->colour_array()[3], 0);
+    EXPECT_EQ(c->point_colour(1), 201 * 65793);
+    EXPECT_EQ(c->point_colour(2), 0);
+    EXPECT_EQ(c->point_colour(3), 0);
     delete o;
 }
 

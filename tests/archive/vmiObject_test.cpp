@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <memory>
 
 #include "archive/vmiObjCloud.h"
@@ -242,10 +243,54 @@ TEST(vmiObjCloud, BoxAndArraysOfCloud)
     int* colours = new int[2]{0x102030, 0x405060};
     vmiObjCloud c(utString("img"), pts, colours, 2);
     EXPECT_EQ(c.size(), 2);
-    EXPECT_EQ(c.points_array(), pts);
-    EXPECT_EQ(c.colour_array()[1], 0x405060);
+    EXPECT_TRUE(c.has_points());
+    EXPECT_EQ(c.point(1).x(), 3.0);
+    EXPECT_EQ(c.point(1).y(), -1.0);
+    EXPECT_EQ(c.point_colour(1), 0x405060);
     EXPECT_EQ(c.box().min(), giPoint3(1, -1, 1));
     EXPECT_EQ(c.box().max(), giPoint3(3, 1, 2));
+}
+
+TEST(vmiObjCloud, AttributeColourStaysApartFromThePointColours)
+{
+    vmiObjCloud c(utString("img"), new m03DPoint[1]{{1, 2, 3}}, new int[1]{0x102030}, 1);
+    c.colour(5);
+    EXPECT_EQ(c.colour(), 5);
+    EXPECT_EQ(c.point_colour(0), 0x102030);
+}
+
+TEST(vmiObjCloud, CloudWithoutColoursReadsBlack)
+{
+    vmiObjCloud c(utString("img"), new m03DPoint[1]{{1, 2, 3}}, nullptr, 1);
+    EXPECT_EQ(c.point_colour(0), 0);
+    vmiObjCloud none(utString("none"), nullptr, nullptr, 3);
+    EXPECT_FALSE(none.has_points());
+}
+
+TEST(vmiObjCloud, ScanImageMakesItsPointsAndColoursFromItsGreyBytes)
+{
+    // 3 x 2 pixels row by row; each coordinate a single precision product.
+    vmiObjCloud c(utString("img"), new std::uint8_t[6]{0, 1, 2, 3, 4, 255}, 3, 2, 0.1f, 0.3f, -5.0);
+    ASSERT_EQ(c.size(), 6);
+    EXPECT_TRUE(c.has_points());
+    for (int k = 0; k < 6; ++k) {
+        const m03DPoint p = c.point(k);
+        EXPECT_EQ(p.x(), static_cast<double>(static_cast<float>(k % 3) * 0.1f));
+        EXPECT_EQ(p.y(), static_cast<double>(static_cast<float>(k / 3) * 0.3f));
+        EXPECT_EQ(p.z(), -5.0);
+    }
+    EXPECT_EQ(c.point_colour(4), 0x00040404);
+    EXPECT_EQ(c.point_colour(5), 0x00FFFFFF);
+    EXPECT_EQ(c.box().min(), giPoint3(0, 0, -5));
+    EXPECT_EQ(c.box().max(),
+              giPoint3(static_cast<double>(2 * 0.1f), static_cast<double>(0.3f), -5));
+}
+
+TEST(vmiObjCloud, ScanImageWithoutPixelsHasNoPointsAndNoBox)
+{
+    vmiObjCloud c(utString("img"), new std::uint8_t[0], 0, 5, 1.0f, 1.0f, -5.0);
+    EXPECT_EQ(c.size(), 0);
+    EXPECT_FALSE(c.box().is_valid());
 }
 
 TEST(vmiObjAttr, DefaultsAreZeroAndEmpty)

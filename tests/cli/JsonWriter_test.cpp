@@ -224,3 +224,33 @@ TEST(JsonWriter, TextNotFinishedReachesTheStreamWhenTheWriterGoes)
     }
     EXPECT_EQ(out.str(), "[1");
 }
+
+TEST(JsonWriter, TripleIsWrittenAsASingleLineArrayOfItsThreeValues)
+{
+    // In both modes, after a first element and inside nested containers, a
+    // triple reads exactly as the single-line array of its values.
+    for (bool pretty : {true, false}) {
+        std::ostringstream by_triple, by_values;
+        {
+            JsonWriter w(by_triple, pretty);
+            w.begin_object().key("p").begin_array();
+            w.triple(1.0, -0.0, 1e300).triple(std::nan(""), 0.1, -2.5);
+            w.triple(std::int64_t{0}, std::int64_t{-7}, std::int64_t{2147483647});
+            w.end_array().key("q").triple(std::int64_t{1}, std::int64_t{2}, std::int64_t{3});
+            w.finish();
+        }
+        {
+            JsonWriter w(by_values, pretty);
+            w.begin_object().key("p").begin_array();
+            w.begin_array(true).number(1.0).number(-0.0).number(1e300).end_array();
+            w.begin_array(true).number(std::nan("")).number(0.1).number(-2.5).end_array();
+            w.begin_array(true).integer(0).integer(-7).integer(2147483647).end_array();
+            w.end_array().key("q").begin_array(true).integer(1).integer(2).integer(3).end_array();
+            w.finish();
+        }
+        EXPECT_EQ(by_triple.str(), by_values.str()) << (pretty ? "pretty" : "compact");
+    }
+    std::ostringstream compact;
+    JsonWriter(compact, false).triple(std::int64_t{1}, std::int64_t{-2}, std::int64_t{3}).finish();
+    EXPECT_EQ(compact.str(), "[1,-2,3]\n");
+}

@@ -106,6 +106,50 @@ TEST(vmiBaseGrid, DoSmoothingMap_IncludesClosingCrossingNode)
     EXPECT_EQ(row_z(*g, 7), (std::vector<double>(10, E)));
 }
 
+TEST(vmiBaseGrid, DoSmoothing_SumsEachMeanColumnByColumn)
+{
+    // As everage_height: i outer, j inner. In row order the two 1s would
+    // meet first and survive the addition of 1e16.
+    vmiBaseGrid g(2, 2, 1.0, 1.0);
+    g.set_z(0, 0, 1.0);
+    g.set_z(0, 1, 1e16);
+    g.set_z(1, 0, 1.0);
+    g.set_z(1, 1, 0.0);
+    g.do_smoothing(2);
+    EXPECT_EQ(g.point(0, 0).z(), 2.5e15);
+}
+
+TEST(vmiBaseGrid, DoSmoothingMap_SumsEachMeanColumnByColumnOverInsideNodesOnly)
+{
+    // Inside the outline (columns and rows 2 ... 6) the window around (2, 2)
+    // holds columns 2, 3 and rows 2, 3 of it; row 1 and column 1 lie outside
+    // and their heights of 1e300 do not count.
+    auto g = flat_grid(10, 10, 1e300);
+    g->set_z(2, 2, 1.0);
+    g->set_z(2, 3, 1e16);
+    g->set_z(3, 2, 1.0);
+    g->set_z(3, 3, 0.0);
+    auto outline = rectangle(2, 2, 6, 6);
+    vmiPolylineGridMap map(g.get(), outline.get());
+    EXPECT_EQ(g->everage_height(map, 2, 2, 2), 2.5e15);
+    g->do_smoothing(2, map);
+    EXPECT_EQ(g->point(2, 2).z(), 2.5e15);
+}
+
+TEST(vmiBaseGrid, DoSmoothing_GridWhoseSizesOutgrowItsArrayIsLeftAlone)
+{
+    vmiBaseGrid g(3, 3, 1.0, 1.0);
+    g.set_z(0, 0, 3.0);
+    g.set_z(1, 0, 6.0);
+    g.y_size() = 2;  // written through the reference: 6 nodes of an array of 9
+    g.do_smoothing(2);
+    EXPECT_EQ(g.point(0, 0).z(), 3.0);
+    EXPECT_EQ(g.point(1, 0).z(), 6.0);
+    g.y_size() = 3;
+    g.do_smoothing(2);
+    EXPECT_EQ(g.point(0, 0).z(), 4.5);
+}
+
 TEST(vmiBaseGrid, EverageHeightMap_CountsOnlyNodesInsideOutline)
 {
     auto g = flat_grid(10, 10, 100.0);
@@ -173,6 +217,71 @@ TEST(vmiBaseGrid, Doubled_EmptyGridGivesEmptyGrid)
     ASSERT_NE(g, nullptr);
     EXPECT_EQ(g->points_array(), nullptr);
     EXPECT_EQ(g->x_size(), 0);
+}
+
+// The heights of a grid, row by row, with the sign of each zero.
+std::vector<double> signed_heights(vmiBaseGrid& g)
+{
+    std::vector<double> z;
+    for (int j = 0; j < g.y_size(); j++)
+        for (int i = 0; i < g.x_size(); i++) {
+            z.push_back(g.point(i, j).z());
+            z.push_back(std::signbit(z.back()) ? 1.0 : 0.0);
+        }
+    return z;
+}
+
+TEST(vmiBaseGrid, MergeDoubled_SameAsDoubledShiftedAndMerged)
+{
+    // Uneven heights, empty nodes, a -0.0 that meets a +0.0 on the same node
+    // (the first to arrive stays) and a shift that is no whole number of nodes.
+    vmiBaseGrid src(5, 4, 1.5, 2.5);
+    for (int j = 0; j < 4; j++)
+        for (int i = 0; i < 5; i++)
+            if ((i * 3 + j) % 4 != 0)
+                src.set_z(i, j, std::sin(i * 1.7 + j * 0.9) * 3.0);
+    src.set_z(1, 1, -0.0);
+    src.set_z(2, 1, 0.0);
+    const double dx = 3.3, dy = -1.2;
+    vmiBaseGrid expected(14, 12, 0.75, 1.25);
+    std::unique_ptr<vmiBaseGrid> copy(src.doubled());
+    copy->offset(dx, dy);
+    expected.merge(*copy);
+    vmiBaseGrid merged(14, 12, 0.75, 1.25);
+    merged.merge_doubled(src, dx, dy);
+    EXPECT_EQ(signed_heights(merged), signed_heights(expected));
+}
+
+TEST(vmiBaseGrid, MergeDoubled_SingleColumnMergesZeroPoints)
+{
+    // doubled() of one column holds (0, 0, 0) everywhere: one node at the
+    // shifted origin gets height 0.
+    vmiBaseGrid src(1, 3, 1.0, 1.0);
+    src.set_z(0, 0, 5.0);
+    src.set_z(0, 2, 6.0);
+    vmiBaseGrid g(4, 4, 1.0, 1.0);
+    g.merge_doubled(src, 2.0, 1.0);
+    for (int j = 0; j < 4; j++)
+        for (int i = 0; i < 4; i++)
+            EXPECT_EQ(g.point(i, j).z(), i == 2 && j == 1 ? 0.0 : E) << i << "," << j;
+}
+
+TEST(vmiBaseGrid, MergeDoubled_SourceWhoseRefinementIsBeyondBoundMergesNothing)
+{
+    // Sizes written through the references: the refinement of 2^22 columns
+    // would hold about 2^23 columns by 3 rows, beyond max_nodes, for which
+    // doubled() gives an empty grid.
+    vmiBaseGrid src(2, 2, 1.0, 1.0);
+    src.set_z(0, 0, 7.0);
+    vmiBaseGrid g(2, 2, 1.0, 1.0);
+    src.x_size() = 1 << 22;
+    ASSERT_FALSE(vmiBaseGrid::size_allowed(2LL * src.x_size() - 1, 3));
+    g.merge_doubled(src, 0.0, 0.0);
+    EXPECT_EQ(g.point(0, 0).z(), E);
+    // Back at its own size it merges.
+    src.x_size() = 2;
+    g.merge_doubled(src, 0.0, 0.0);
+    EXPECT_EQ(g.point(0, 0).z(), 7.0);
 }
 
 TEST(vmiBaseGrid, Drop_AddsPointHeightsToNodes)
