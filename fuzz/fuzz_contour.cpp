@@ -8,8 +8,8 @@
 #include <cstring>
 #include <memory>
 
+#include "WalkSink.h"
 #include "archive/vmiObject.h"
-#include "cli/DumpSink.h"
 #include "contour/vmiVelmcontur.h"
 #include "grid/vmiBaseGrid.h"
 #include "host/qorabsContext.h"
@@ -59,11 +59,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::memcpy(text.get(), data + 1, static_cast<std::size_t>(len));
     vmiVelmcontur doc(text.get(), len, 4, base_grid(data[0]));
     const qorabsContext context;
-    DumpSink sink;
+    WalkSink sink;
     for (int i = 0; i < doc.no_of_objects(); ++i) {
         qorabsTranslatorcoPrf t = vmi_object_translator(doc.object(i), context);
         if (t)
             t->process(sink, nullptr);
     }
+    sink.finish();
     return 0;
 }

@@ -1,17 +1,15 @@
 // libFuzzer target: a whole archive imported as a host imports it: the
 // options set in the host's resource table, read_input on the plug-in's
 // instance, then the walk of every translator it handed over into an output
-// sink. The first byte chooses the options (bits 0 to 2: scan, image and
-// orthotic data) and the sink (bit 3: the scene `velmora convert` writes,
-// else the tree `velmora dump` writes); the rest is the archive, which the
+// sink that reads all it is handed. The first byte chooses the options (bits
+// 0 to 2: scan, image and orthotic data); the rest is the archive, which the
 // unzip service reads from memory under a name of this process.
 #include <cstdint>
 #include <string>
 #include <unistd.h>
 
+#include "WalkSink.h"
 #include "archive/vmiFile.h"
-#include "cli/DumpSink.h"
-#include "cli/SceneCollector.h"
 #include "entry/vmiVelmora2rnx.h"
 #include "host/qorResourceTable.h"
 #include "host/qorabsAppInfo.h"
@@ -33,16 +31,6 @@ void set_options(unsigned choice)
     table->set_bool(utBoolcoResourceKey(utString(vmiFile::opt_process_orthotic_data)), (choice & 4u) != 0);
 }
 
-void import(vmiVelmora2rnx& input, const qorabsContext& context, const utString& name,
-            qorabsOutputSink& sink)
-{
-    qorabsIfStream stream{name};
-    if (!input.read_input(context, stream))
-        return;
-    for (int i = 0; i < input.num_objects(); ++i, ++input)
-        input.send_to(sink);
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -56,12 +44,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     qozMemoryArchive held(name, data + 1, size - 1);
     const qorabsContext context(&app);
     vmiVelmora2rnx input(&app);
-    if (choice & 8u) {
-        SceneCollector sink("fuzz");
-        import(input, context, name, sink);
-    } else {
-        DumpSink sink;
-        import(input, context, name, sink);
-    }
+    qorabsIfStream stream{name};
+    if (!input.read_input(context, stream))
+        return 0;
+    WalkSink sink;
+    for (int i = 0; i < input.num_objects(); ++i, ++input)
+        input.send_to(sink);
+    sink.finish();
     return 0;
 }

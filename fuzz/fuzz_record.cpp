@@ -7,9 +7,9 @@
 #include <cstring>
 #include <memory>
 
+#include "WalkSink.h"
 #include "archive/vmiFile.h"
 #include "archive/vmiObject.h"
-#include "cli/DumpSink.h"
 #include "host/qorabsContext.h"
 #include "host/qorabsTranslator.h"
 #include "translate/vmiObjectTranslator.h"
@@ -37,9 +37,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!object)
         return 0;
     const qorabsContext context;
-    DumpSink sink;
+    WalkSink sink;
     qorabsTranslatorcoPrf t = vmi_object_translator(object.get(), context);
     if (t)
         t->process(sink, nullptr);
+    sink.finish();
     return 0;
 }

@@ -264,13 +264,13 @@ int main(int argc, char** argv)
         ok &= put("fuzz_archive_read", name, bytes);
     ok &= put("fuzz_archive_read", "design", designed);
 
-    // The import's first byte: bits 0 to 2 the options, bit 3 the sink.
+    // The import's first byte: bits 0 to 2 the options (scan, image, orthotic data).
     for (const auto& [name, bytes] : small_archives())
         ok &= put("fuzz_import", name, std::string(1, '\x07') + bytes);
-    for (unsigned choice : {0x07u, 0x0Fu, 0x01u, 0x06u, 0x0Cu})
+    for (unsigned choice : {0x07u, 0x01u, 0x02u, 0x04u, 0x06u, 0x00u})
         ok &= put("fuzz_import", "design_" + std::to_string(choice), std::string(1, static_cast<char>(choice)) + designed);
     ok &= put("fuzz_import", "small_design",
-              std::string(1, '\x0F') + design_archive(vlm::small_design(true)));
+              std::string(1, '\x07') + design_archive(vlm::small_design(true)));
 
     // The contour's first byte: 0 no base grid, 1 flat, 2 sloped with a hole.
     ok &= put("fuzz_contour", "every_section_flat", std::string(1, '\x01') + every_section());
