@@ -21,7 +21,9 @@
 namespace {
 
 // What the library exports: a new instance for the host, which owns it.
-using get_instance_fn = qorabsLibBase* (*)(const qorabsAppInfo*);
+// The framework's export hands over its input object; a pointer of any
+// other function type would be a call through the wrong type.
+using get_instance_fn = qorabsLibInputEx* (*)(const qorabsAppInfo*);
 
 const qorabsAppInfo& app_info()
 {

@@ -2,6 +2,50 @@
 
 #include <zip.h>
 
+#include <algorithm>
+#include <mutex>
+#include <vector>
+
+namespace {
+
+// The archives in memory, in order of registration. Imports may run on
+// several threads, so the list is guarded.
+std::mutex memory_archives_lock;
+std::vector<const qozMemoryArchive*>& memory_archives()
+{
+    static std::vector<const qozMemoryArchive*> list;
+    return list;
+}
+
+} // namespace
+
+qozMemoryArchive::qozMemoryArchive(utString name, const void* data, std::size_t size)
+    : name_(std::move(name)), data_(data), size_(size)
+{
+    std::lock_guard<std::mutex> guard(memory_archives_lock);
+    memory_archives().push_back(this);
+}
+
+qozMemoryArchive::~qozMemoryArchive()
+{
+    std::lock_guard<std::mutex> guard(memory_archives_lock);
+    auto& list = memory_archives();
+    list.erase(std::remove(list.begin(), list.end(), this), list.end());
+}
+
+bool qozMemoryArchive::find(const utString& name, const void*& data, std::size_t& size)
+{
+    std::lock_guard<std::mutex> guard(memory_archives_lock);
+    const auto& list = memory_archives();
+    for (auto it = list.rbegin(); it != list.rend(); ++it)
+        if ((*it)->name_ == name) {
+            data = (*it)->data_;
+            size = (*it)->size_;
+            return true;
+        }
+    return false;
+}
+
 qozUnZip::~qozUnZip()
 {
     close();
@@ -10,10 +54,36 @@ qozUnZip::~qozUnZip()
 int qozUnZip::open(const utString& name)
 {
     close();
+    const void* data = nullptr;
+    std::size_t size = 0;
+    if (qozMemoryArchive::find(name, data, size))
+        return open_memory(data, size);
     int error = 0;
     // Read-only, and without ZIP_CHECKCONS: an archive whose local headers
     // disagree mildly with its central directory is still read as far as it goes.
-    zip_t* a = zip_open(name.c_str(), ZIP_RDONLY, &error);
+    return adopt(zip_open(name.c_str(), ZIP_RDONLY, &error));
+}
+
+int qozUnZip::open_memory(const void* data, std::size_t size)
+{
+    close();
+    // libzip takes an empty source for an empty archive; an empty file is
+    // refused as no ZIP, and so are no bytes here.
+    if (!data || size == 0)
+        return 0;
+    zip_error_t error;
+    zip_error_init(&error);
+    // libzip reads the bytes where they are (freep 0: they stay the caller's).
+    zip_source_t* source = zip_source_buffer_create(data, size, 0, &error);
+    zip_t* a = source ? zip_open_from_source(source, ZIP_RDONLY, &error) : nullptr;
+    if (!a && source)
+        zip_source_free(source);   // a refused source stays ours
+    zip_error_fini(&error);
+    return adopt(a);
+}
+
+int qozUnZip::adopt(zip* a)
+{
     if (!a)
         return 0;
     zip_int64_t n = zip_get_num_entries(a, 0);

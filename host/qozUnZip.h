@@ -21,6 +21,12 @@
 //   damaged or unsupported entry ends its stream early; reading never fails
 //   in any other way. Moving to the next entry ends every stream of the
 //   previous one.
+// - An archive the host already holds in memory (an attachment, a download)
+//   is opened the same way: open_memory(data, size) directly, or, for a
+//   plug-in that opens its archive by name, open(name) while a
+//   qozMemoryArchive of that name lives. The bytes are not copied; they must
+//   stay as they are while the archive is open.
+#include <cstddef>
 #include <cstdint>
 #include <streambuf>
 
@@ -37,6 +43,8 @@ public:
     qozUnZip& operator=(const qozUnZip&) = delete;
 
     int open(const utString& name);
+    // As open, over size bytes at data instead of a file.
+    int open_memory(const void* data, std::size_t size);
     void close();
     int next_archive();
     utString archive_name() const;
@@ -49,6 +57,8 @@ public:
 
 private:
     void close_entry();
+    // Takes the archive libzip opened (or refused: null); 1 when taken.
+    int adopt(zip* archive);
 
     zip* archive_ = nullptr;
     zip_file* entry_ = nullptr;   // opened at the first read of the current entry
@@ -57,6 +67,27 @@ private:
     std::int64_t index_ = -1;     // current entry; -1 before the first, count_ after the last
     std::int64_t generation_ = 0; // counts entry changes, so that streams of an old entry end
     friend class qozUnZipStreamBuf;
+};
+
+// An archive in memory under a name: while the object lives, qozUnZip::open
+// with that name reads the bytes at data instead of a file of that name. A
+// later registration of the same name hides an earlier one until it ends.
+// Neither the name nor the bytes are copied by open; the bytes must outlive
+// the registration and every archive opened through it.
+class qozMemoryArchive {
+public:
+    qozMemoryArchive(utString name, const void* data, std::size_t size);
+    ~qozMemoryArchive();
+    qozMemoryArchive(const qozMemoryArchive&) = delete;
+    qozMemoryArchive& operator=(const qozMemoryArchive&) = delete;
+
+    // The bytes registered under name (the latest registration), or false.
+    static bool find(const utString& name, const void*& data, std::size_t& size);
+
+private:
+    utString name_;
+    const void* data_;
+    std::size_t size_;
 };
 
 // A read-only stream over the current entry of a qozUnZip. Wrap it in a

@@ -18,11 +18,9 @@ struct entry_read {
     std::string content;
 };
 
-std::vector<entry_read> read_all(const std::string& path, int* opened = nullptr)
+std::vector<entry_read> read_entries(qozUnZip& unzip, int ok, int* opened)
 {
     std::vector<entry_read> out;
-    qozUnZip unzip;
-    const int ok = unzip.open(path.c_str());
     if (opened)
         *opened = ok;
     if (!ok)
@@ -34,6 +32,18 @@ std::vector<entry_read> read_all(const std::string& path, int* opened = nullptr)
         out.push_back({unzip.archive_name().str(), unzip.archive_size(), content});
     }
     return out;
+}
+
+std::vector<entry_read> read_all(const std::string& path, int* opened = nullptr)
+{
+    qozUnZip unzip;
+    return read_entries(unzip, unzip.open(path.c_str()), opened);
+}
+
+std::vector<entry_read> read_all_memory(const std::string& bytes, int* opened = nullptr)
+{
+    qozUnZip unzip;
+    return read_entries(unzip, unzip.open_memory(bytes.data(), bytes.size()), opened);
 }
 
 vlm::archive three_entries()
@@ -173,4 +183,76 @@ TEST(QozUnZip, DamagedEntryDataEndsItsStreamWithoutFailingTheOthers)
     EXPECT_LT(got[0].content.size(), 4000u);
     EXPECT_EQ(got[1].content, "intact");
     std::remove(path.c_str());
+}
+
+TEST(QozUnZip, OpenMemoryReadsTheEntriesTheFileGives)
+{
+    const std::string bytes = three_entries().bytes();
+    ASSERT_FALSE(bytes.empty());
+    expect_three_entries(read_all_memory(bytes));
+}
+
+TEST(QozUnZip, OpenMemoryReadsZip64AndDataDescriptors)
+{
+    for (bool zip64 : {false, true}) {
+        const std::string path = vlm::temp_path("memory_forms.vlm");
+        ASSERT_TRUE(zip64 ? three_entries().write_zip64(path)
+                          : three_entries().write_with_data_descriptors(path));
+        const std::string bytes = vlm::read_file(path);
+        std::remove(path.c_str());
+        expect_three_entries(read_all_memory(bytes));
+    }
+}
+
+TEST(QozUnZip, OpenMemoryRefusesBytesThatAreNoZip)
+{
+    int opened = -1;
+    EXPECT_TRUE(read_all_memory("this is a text, not an archive\n", &opened).empty());
+    EXPECT_EQ(opened, 0);
+    qozUnZip unzip;
+    EXPECT_EQ(unzip.open_memory(nullptr, 0), 0);
+    EXPECT_EQ(unzip.open_memory(nullptr, 10), 0);
+    EXPECT_EQ(unzip.next_archive(), 0);
+}
+
+TEST(QozUnZip, OpenMemoryNeverCrashesOnATruncatedZip)
+{
+    const std::string whole = three_entries().bytes();
+    ASSERT_GT(whole.size(), 100u);
+    for (std::size_t n = 0; n < whole.size(); n += 7) {
+        // Exactly n bytes on the heap, so that a read past them shows under a sanitizer.
+        std::vector<char> cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(n));
+        qozUnZip unzip;
+        EXPECT_EQ(unzip.open_memory(cut.data(), cut.size()), 0) << "cut at " << n;
+    }
+}
+
+TEST(QozUnZip, OpenByNameReadsARegisteredMemoryArchiveWhileItLives)
+{
+    const std::string bytes = three_entries().bytes();
+    const std::string name = vlm::temp_path("only_in_memory.vlm");   // no such file
+    {
+        qozMemoryArchive held(utString(name), bytes.data(), bytes.size());
+        expect_three_entries(read_all(name));
+    }
+    int opened = -1;
+    EXPECT_TRUE(read_all(name, &opened).empty());
+    EXPECT_EQ(opened, 0);
+}
+
+TEST(QozUnZip, LaterMemoryArchiveOfTheSameNameHidesTheEarlierUntilItEnds)
+{
+    vlm::archive one;
+    one.add("one.dat", "1");
+    const std::string first = three_entries().bytes();
+    const std::string second = one.bytes();
+    const std::string name = "held.vlm";
+    qozMemoryArchive outer(utString(name), first.data(), first.size());
+    {
+        qozMemoryArchive inner(utString(name), second.data(), second.size());
+        const auto got = read_all(name);
+        ASSERT_EQ(got.size(), 1u);
+        EXPECT_EQ(got[0].content, "1");
+    }
+    expect_three_entries(read_all(name));
 }

@@ -10,6 +10,7 @@
 #include "archive/vmiFile.h"
 #include "archive/vmiReadObserver.h"
 #include "archive/vmiVlkElement.h"
+#include "host/qozUnZip.h"
 #include "tests/support/vlmWriter.h"
 
 namespace {
@@ -120,6 +121,30 @@ TEST(Read, ObserverSeesEveryEntryInArchiveOrderWithItsContent)
     EXPECT_EQ(c.levels, (std::vector<int>{1, 2, 3}));
     EXPECT_EQ(c.data_found, std::vector<int>{1});
     EXPECT_EQ(c.directory_entries, 2);   // the data entry and the catalogue itself
+}
+
+TEST(Read, ArchiveHeldInMemoryIsReadByItsNameAsAFileWouldBe)
+{
+    vlm::archive a;
+    a.add("VLM00005.dat", vlm::chunk_chain("PCSC and more bytes", 5));
+    a.add("00000.vlk", one_scan_catalogue(5));
+    recorder from_file;
+    const int file_result = read_with(a, from_file, "memory_twin.vlm");
+    EXPECT_EQ(file_result, 1);
+    const std::string bytes = a.bytes();
+    const std::string name = vlm::temp_path("memory_only.vlm");   // never written
+    qozMemoryArchive held(utString(name), bytes.data(), bytes.size());
+    recorder from_memory;
+    vmiFile f;
+    f.set_observer(&from_memory);
+    EXPECT_EQ(f.read(name.c_str()), file_result);
+    ASSERT_EQ(from_memory.entries.size(), from_file.entries.size());
+    for (std::size_t k = 0; k < from_file.entries.size(); ++k) {
+        EXPECT_EQ(from_memory.entries[k].name, from_file.entries[k].name);
+        EXPECT_EQ(from_memory.entries[k].content, from_file.entries[k].content);
+    }
+    ASSERT_EQ(from_memory.catalogues.size(), 1u);
+    EXPECT_EQ(from_memory.catalogues[0].data_found, std::vector<int>{1});
 }
 
 TEST(Read, DataDotDatIsADataEntryNumberedZero)

@@ -110,7 +110,7 @@ private:
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) qorabsLibBase* get_instance(const qorabsAppInfo* app)
+extern "C" __attribute__((visibility("default"))) qorabsLibInputEx* get_instance(const qorabsAppInfo* app)
 {
     (void)entered;
     return new (std::nothrow) TestInput(app);
