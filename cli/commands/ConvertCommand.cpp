@@ -30,8 +30,8 @@ std::string help_footer()
     "               strips, point clouds as POINTS primitives with their colours in COLOR_0.\n"
     "  .obj         one group per item (its mangled name), faces, sampled curves as lines,\n"
     "               points; vertex colours after x y z.\n"
-    "  .ply         binary: one vertex list with red, green, blue; faces, sampled curves as\n"
-    "               edges, point clouds as vertices.\n"
+    "  .ply         binary: one vertex list (float x y z, red, green, blue); faces and point\n"
+    "               clouds as vertices; sampled curves as edges only with --curves.\n"
     "  .stl         binary: the triangles of the meshes only.\n"
     "Units: the archive counts millimetres, glTF metres, so the glTF root node scales\n"
     "by 0.001; OBJ, PLY and STL stay in millimetres. --scale S replaces either.\n"
@@ -60,6 +60,8 @@ CLI::App* ConvertCommand::add_to(CLI::App& app, ConvertCommand& command)
                     "Multiply every coordinate by S (default 0.001 for glTF, 1 otherwise)")
         ->type_name("S")
         ->check(CLI::Validator([](std::string& text) { return CommandInputs::scale_error(text); }, ""));
+    cmd->add_flag("--curves", command.curves,
+                  "PLY: also write the curves, sampled, as an \"edge\" element (many readers refuse one)");
     cmd->add_option("file", command.file, "The archive to import")->required()->type_name("FILE.vlm");
     cmd->add_option("-o,--output", command.output, "The file to write; its extension picks the format")
         ->required()
@@ -85,8 +87,9 @@ double ConvertCommand::default_scale(Format f)
     return f == Format::glb || f == Format::gltf ? GltfWriter::millimetres_to_metres : 1.0;
 }
 
-std::string ConvertCommand::write_scene(const Scene& scene, const std::string& path, Format f, double scale)
+std::string ConvertCommand::write_scene(const Scene& scene, const std::string& path, Format f, const Style& style)
 {
+    const double scale = style.scale;
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     if (!out) return std::strerror(errno);
     std::string reason;
@@ -94,7 +97,7 @@ std::string ConvertCommand::write_scene(const Scene& scene, const std::string& p
     case Format::glb: reason = GltfWriter::write(scene, scale, true, out); break;
     case Format::gltf: reason = GltfWriter::write(scene, scale, false, out); break;
     case Format::obj: reason = ObjWriter::write(scene, scale, out); break;
-    case Format::ply: reason = PlyWriter::write(scene, scale, out); break;
+    case Format::ply: reason = PlyWriter::write(scene, scale, out, style.curves); break;
     case Format::stl: reason = StlWriter::write(scene, scale, out); break;
     case Format::unknown: reason = "unknown output format"; break;
     }
@@ -130,8 +133,10 @@ int ConvertCommand::run(std::ostream&, std::ostream& err) const
         return exit_nothing_imported;
     case PluginLoader::imported: break;
     }
-    if (const std::string why = write_scene(collector.scene(), output, f, scale.value_or(default_scale(f)));
-        !why.empty()) {
+    Style style;
+    style.scale = scale.value_or(default_scale(f));
+    style.curves = curves;
+    if (const std::string why = write_scene(collector.scene(), output, f, style); !why.empty()) {
         CommandInputs::report(err, "convert", output, "cannot write: " + why);
         return exit_unreadable;
     }

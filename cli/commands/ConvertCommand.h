@@ -22,6 +22,8 @@ public:
     // NAME=0|1, each as given.
     std::vector<std::string> options;
     std::optional<double> scale;
+    // Write curves into a PLY file (as edges).
+    bool curves = false;
     // The plug-in to load; empty for PluginLoader::library_path().
     std::string library;
 
@@ -40,6 +42,12 @@ public:
     // The scale a format is written at unless the user gives one: glTF counts
     // metres, the others keep the archive's millimetres.
     static double default_scale(Format f);
+    // How a scene is written, besides its format.
+    struct Style {
+        double scale = 1.0;
+        // PLY: the curves as edges too.
+        bool curves = false;
+    };
     // Writes scene to path in format f; empty on success, else the reason.
-    static std::string write_scene(const Scene& scene, const std::string& path, Format f, double scale);
+    static std::string write_scene(const Scene& scene, const std::string& path, Format f, const Style& style);
 };

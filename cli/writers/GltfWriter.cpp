@@ -236,19 +236,7 @@ int ModelBuilder::group_node(const SceneGroup& g, bool top, double scale)
 
 std::string GltfWriter::utf8(const std::string& bytes)
 {
-    std::string out;
-    for (std::size_t i = 0; i < bytes.size();) {
-        if (const std::size_t len = Utf8::sequence_length(bytes, i); len > 0) {
-            out.append(bytes, i, len);
-            i += len;
-            continue;
-        }
-        // The byte read as Latin-1: the character of its own value.
-        const auto b = static_cast<unsigned char>(bytes[i++]);
-        out += static_cast<char>(0xC0 | (b >> 6));
-        out += static_cast<char>(0x80 | (b & 0x3F));
-    }
-    return out;
+    return Utf8::from_bytes(bytes);
 }
 
 std::string GltfWriter::write(const Scene& scene, double scale, bool binary, std::ostream& out)

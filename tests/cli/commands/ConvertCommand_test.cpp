@@ -107,7 +107,12 @@ TEST_F(ConvertCommandTest, Obj_FlattensPlacementsInMillimetres)
 TEST_F(ConvertCommandTest, PlyAndStl_AreWritten)
 {
     ASSERT_EQ(velmora({"convert", archive_, "-o", path("out.ply")}).status, exit_success);
-    EXPECT_NE(read(path("out.ply")).find("element vertex 9\n"), std::string::npos);
+    // The grid's 4 vertices and the cloud's 2 points; the curve only when asked.
+    EXPECT_NE(read(path("out.ply")).find("element vertex 6\n"), std::string::npos);
+    EXPECT_EQ(read(path("out.ply")).find("element edge"), std::string::npos);
+    ASSERT_EQ(velmora({"convert", "--curves", archive_, "-o", path("out.ply")}).status, exit_success);
+    EXPECT_NE(read(path("out.ply")).find("element vertex 9\nproperty float x\n"), std::string::npos);
+    EXPECT_NE(read(path("out.ply")).find("element edge 2\n"), std::string::npos);
     ASSERT_EQ(velmora({"convert", archive_, "-o", path("out.stl")}).status, exit_success);
     EXPECT_EQ(read(path("out.stl")).size(), 80u + 4u + 2u * 50u);
 }
