@@ -35,6 +35,11 @@ std::string help_footer()
     "  .stl         binary: the triangles of the meshes only.\n"
     "Units: the archive counts millimetres, glTF metres, so the glTF root node scales\n"
     "by 0.001; OBJ, PLY and STL stay in millimetres. --scale S replaces either.\n"
+    "Axes: the archive's Z is up; the glTF root turns it into glTF's Y up (--up z keeps Z).\n"
+    "glTF meshes carry vertex normals; siblings of one name get \" (2)\", \" (3)\", ...;\n"
+    "the asset's extras name the archive and the import options.\n"
+    "Text numbers (OBJ) are the shortest that read back to the float32 written; every\n"
+    "name is written as UTF-8 (bytes that are not are read as Latin-1).\n"
     "Curves arrive as NURBS; no output format holds one, so each is sampled: " +
     std::to_string(SceneCurve::samples_per_span) + " points\nper knot span (the span ends for a polyline), at most " +
     std::to_string(SceneCurve::max_samples) + " per curve.\n"
@@ -60,6 +65,11 @@ CLI::App* ConvertCommand::add_to(CLI::App& app, ConvertCommand& command)
                     "Multiply every coordinate by S (default 0.001 for glTF, 1 otherwise)")
         ->type_name("S")
         ->check(CLI::Validator([](std::string& text) { return CommandInputs::scale_error(text); }, ""));
+    cmd->add_option("--up", command.up,
+                    "glTF: the up axis, y (default: the root turns the archive's Z up into glTF's Y up) "
+                    "or z (kept as in the archive)")
+        ->type_name("y|z")
+        ->check(CLI::IsMember({"y", "z"}));
     cmd->add_flag("--curves", command.curves,
                   "PLY: also write the curves, sampled, as an \"edge\" element (many readers refuse one)");
     cmd->add_option("file", command.file, "The archive to import")->required()->type_name("FILE.vlm");
@@ -94,8 +104,8 @@ std::string ConvertCommand::write_scene(const Scene& scene, const std::string& p
     if (!out) return std::strerror(errno);
     std::string reason;
     switch (f) {
-    case Format::glb: reason = GltfWriter::write(scene, scale, true, out); break;
-    case Format::gltf: reason = GltfWriter::write(scene, scale, false, out); break;
+    case Format::glb: reason = GltfWriter::write(scene, scale, true, out, style.y_up); break;
+    case Format::gltf: reason = GltfWriter::write(scene, scale, false, out, style.y_up); break;
     case Format::obj: reason = ObjWriter::write(scene, scale, out); break;
     case Format::ply: reason = PlyWriter::write(scene, scale, out, style.curves); break;
     case Format::stl: reason = StlWriter::write(scene, scale, out); break;
@@ -109,6 +119,19 @@ std::string ConvertCommand::write_scene(const Scene& scene, const std::string& p
         std::filesystem::remove(path, ec);
     }
     return reason;
+}
+
+std::vector<std::pair<std::string, int>> ConvertCommand::options_in_force(const std::vector<std::string>& settings)
+{
+    const std::vector<std::pair<std::string, int>> given = CommandInputs::plugin_options(settings);
+    std::vector<std::pair<std::string, int>> out;
+    for (const std::string& name : PluginLoader::option_names()) {
+        int value = 1;
+        for (const auto& [n, v] : given)
+            if (n == name) value = v;
+        out.emplace_back(name, value);
+    }
+    return out;
 }
 
 int ConvertCommand::run(std::ostream&, std::ostream& err) const
@@ -133,10 +156,14 @@ int ConvertCommand::run(std::ostream&, std::ostream& err) const
         return exit_nothing_imported;
     case PluginLoader::imported: break;
     }
+    Scene scene = collector.take_scene();
+    scene.archive = std::filesystem::path(file).filename().string();
+    scene.options = options_in_force(options);
     Style style;
     style.scale = scale.value_or(default_scale(f));
     style.curves = curves;
-    if (const std::string why = write_scene(collector.scene(), output, f, style); !why.empty()) {
+    style.y_up = up == "y";
+    if (const std::string why = write_scene(scene, output, f, style); !why.empty()) {
         CommandInputs::report(err, "convert", output, "cannot write: " + why);
         return exit_unreadable;
     }

@@ -6,6 +6,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace CLI {
@@ -24,6 +25,8 @@ public:
     std::optional<double> scale;
     // Write curves into a PLY file (as edges).
     bool curves = false;
+    // glTF's up axis: "y" (the root turns the archive's Z up into it) or "z".
+    std::string up = "y";
     // The plug-in to load; empty for PluginLoader::library_path().
     std::string library;
 
@@ -42,11 +45,16 @@ public:
     // The scale a format is written at unless the user gives one: glTF counts
     // metres, the others keep the archive's millimetres.
     static double default_scale(Format f);
+    // Each of the plug-in's options with the value a run with these
+    // settings (NAME=0|1, later ones first) reads: 1 where none is given.
+    static std::vector<std::pair<std::string, int>> options_in_force(const std::vector<std::string>& settings);
     // How a scene is written, besides its format.
     struct Style {
         double scale = 1.0;
         // PLY: the curves as edges too.
         bool curves = false;
+        // glTF: turn the archive's Z up into glTF's Y up at the root.
+        bool y_up = true;
     };
     // Writes scene to path in format f; empty on success, else the reason.
     static std::string write_scene(const Scene& scene, const std::string& path, Format f, const Style& style);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <tiny_gltf.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -82,6 +83,28 @@ TEST_F(ConvertCommandTest, Glb_HoldsTheImportedTreeUnderAMillimetreToMetreRoot)
     for (const char* n : {"VelmScan(A)", "PCS models(B)", "SCAN_(LEFT)_1", "PCIM_2", "LIMIT~1"})
         EXPECT_NE(std::find(names.begin(), names.end(), n), names.end()) << n;
     EXPECT_EQ(m.meshes.size(), 3u);
+}
+
+TEST_F(ConvertCommandTest, Glb_TurnsZUpToYUpAndNamesTheArchiveAndOptionsInForce)
+{
+    ASSERT_EQ(velmora({"convert", "--option", "vmiOptProcessImageData=0", archive_, "-o", path("out.glb")}).status,
+              exit_success);
+    const tinygltf::Model m = load(path("out.glb"));
+    const tinygltf::Node& root = m.nodes[static_cast<std::size_t>(m.scenes.at(0).nodes.at(0))];
+    ASSERT_EQ(root.rotation.size(), 4u);
+    EXPECT_DOUBLE_EQ(root.rotation[0], -std::sqrt(0.5));
+    EXPECT_EQ(m.asset.extras.Get("archive").Get<std::string>(), "design.vlm");
+    const tinygltf::Value& o = m.asset.extras.Get("import_options");
+    EXPECT_EQ(o.Get("vmiOptProcessImageData").GetNumberAsInt(), 0);
+    EXPECT_EQ(o.Get("vmiOptProcessScanData").GetNumberAsInt(), 1);
+    EXPECT_EQ(o.Get("vmiOptProcessOrthoticData").GetNumberAsInt(), 1);
+
+    ASSERT_EQ(velmora({"convert", "--up", "z", archive_, "-o", path("z.glb")}).status, exit_success);
+    const tinygltf::Model z = load(path("z.glb"));
+    EXPECT_TRUE(z.nodes[static_cast<std::size_t>(z.scenes.at(0).nodes.at(0))].rotation.empty());
+    const RunResult bad = velmora({"convert", "--up", "x", archive_, "-o", path("x.glb")});
+    EXPECT_EQ(bad.status, exit_usage);
+    EXPECT_EQ(bad.err.rfind("velmora convert: --up x", 0), 0u) << bad.err;
 }
 
 TEST_F(ConvertCommandTest, Scale_ReplacesTheGltfDefault)
