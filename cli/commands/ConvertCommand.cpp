@@ -43,6 +43,10 @@ std::string help_footer()
     "Curves arrive as NURBS; no output format holds one, so each is sampled: " +
     std::to_string(SceneCurve::samples_per_span) + " points\nper knot span (the span ends for a polyline), at most " +
     std::to_string(SceneCurve::max_samples) + " per curve.\n"
+    "Selection: --select and --only keep some objects (and the groups that hold them);\n"
+    "an object's path is its groups' names from \"Data Base\" down and its own name,\n"
+    "joined by /, e.g. Data Base/Beispiel,Erika/Kontrolle : 2024-09-12/PCS models(Kontrolle)/\n"
+    "MODEL_(LEFT)_2024-09-16/FINISH_MODEL~2. A selection that keeps nothing exits 1.\n"
     "OBJ, PLY and STL have no hierarchy: every placement is applied to the geometry.\n"
     "Colour indices become RGB by this palette: 0 light grey, 1 red, 2 yellow, 3 green\n"
     "(the finished model), 4 cyan, 5 blue, 6 magenta (outlines), 7 white, 8 dark grey,\n"
@@ -61,6 +65,7 @@ CLI::App* ConvertCommand::add_to(CLI::App& app, ConvertCommand& command)
         "convert", "Import an archive through the plug-in and write what the host received as "
                    "glTF, OBJ, PLY or STL, by the output's extension");
     CommandInputs::add_plugin_option(*cmd, command.options);
+    Selection::add_options(*cmd, command.selection);
     cmd->add_option("--scale", command.scale,
                     "Multiply every coordinate by S (default 0.001 for glTF, 1 otherwise)")
         ->type_name("S")
@@ -68,7 +73,7 @@ CLI::App* ConvertCommand::add_to(CLI::App& app, ConvertCommand& command)
     cmd->add_option("--up", command.up,
                     "glTF: the up axis, y (default: the root turns the archive's Z up into glTF's Y up) "
                     "or z (kept as in the archive)")
-        ->type_name("y|z")
+        ->type_name("AXIS")
         ->check(CLI::IsMember({"y", "z"}));
     cmd->add_flag("--curves", command.curves,
                   "PLY: also write the curves, sampled, as an \"edge\" element (many readers refuse one)");
@@ -159,6 +164,13 @@ int ConvertCommand::run(std::ostream&, std::ostream& err) const
     Scene scene = collector.take_scene();
     scene.archive = std::filesystem::path(file).filename().string();
     scene.options = options_in_force(options);
+    if (selection.active()) {
+        scene = selection.apply(scene);
+        if (scene.num_items() == 0) {
+            CommandInputs::report(err, "convert", file, "nothing selected: no object matches --select and --only");
+            return exit_nothing_imported;
+        }
+    }
     Style style;
     style.scale = scale.value_or(default_scale(f));
     style.curves = curves;

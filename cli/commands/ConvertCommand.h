@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "cli/Selection.h"
+
 namespace CLI {
 class App;
 }
@@ -25,6 +27,8 @@ public:
     std::optional<double> scale;
     // Write curves into a PLY file (as edges).
     bool curves = false;
+    // --select and --only: the objects written.
+    Selection selection;
     // glTF's up axis: "y" (the root turns the archive's Z up into it) or "z".
     std::string up = "y";
     // The plug-in to load; empty for PluginLoader::library_path().
@@ -34,7 +38,8 @@ public:
     // app.got_subcommand("convert") then says to call run().
     static CLI::App* add_to(CLI::App& app, ConvertCommand& command);
 
-    // Exit status: 0 written, 1 the import produced nothing, 2 an unknown
+    // Exit status: 0 written, 1 the import produced nothing (or the
+    // selection kept nothing), 2 an unknown
     // output format (a bad option or value is refused while parsing), 3 a
     // file could not be read or written or the plug-in could not be loaded.
     // Diagnostics go to err, one line naming the file and the reason.

@@ -266,3 +266,48 @@ TEST_F(ConvertCommandTest, RealPlugin_FileThatIsNotAnArchiveImportsNothing)
     EXPECT_EQ(r.status, exit_nothing_imported);
     EXPECT_EQ(r.err, "velmora convert: " + text + ": nothing imported: not a ZIP archive the unzip service can open\n");
 }
+
+TEST_F(ConvertCommandTest, Select_WritesOnlyTheObjectsOnMatchingPaths)
+{
+    ASSERT_EQ(velmora({"convert", "--select", "*/VelmScan(A)/SCAN*", archive_, "-o", path("out.obj")}).status,
+              exit_success);
+    const std::string obj = read(path("out.obj"));
+    EXPECT_NE(obj.find("g VelmScan(A)_SCAN_(LEFT)_1\n"), std::string::npos);
+    EXPECT_EQ(obj.find("PCIM_2"), std::string::npos);
+    EXPECT_EQ(obj.find("LIMIT~1"), std::string::npos);
+    // A group's path selects what it holds; the glTF tree keeps only the
+    // groups on the way to a kept object.
+    ASSERT_EQ(velmora({"convert", "--select", "Data Base/PCS models(B)", archive_, "-o", path("out.glb")}).status,
+              exit_success);
+    const tinygltf::Model m = load(path("out.glb"));
+    std::vector<std::string> names;
+    for (const tinygltf::Node& n : m.nodes) names.push_back(n.name);
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{"Data Base", "LIMIT~1", "PCS models(B)", "design"}));
+}
+
+TEST_F(ConvertCommandTest, Only_KeepsTheKindsNamedInEveryFormat)
+{
+    ASSERT_EQ(velmora({"convert", "--only", "images", archive_, "-o", path("out.ply")}).status, exit_success);
+    EXPECT_NE(read(path("out.ply")).find("element vertex 2\n"), std::string::npos);
+    EXPECT_NE(read(path("out.ply")).find("element face 0\n"), std::string::npos);
+    ASSERT_EQ(velmora({"convert", "--only", "scans", archive_, "-o", path("out.stl")}).status, exit_success);
+    EXPECT_EQ(read(path("out.stl")).size(), 80u + 4u + 2u * 50u);
+    ASSERT_EQ(velmora({"convert", "--only", "outlines,images", archive_, "-o", path("out.obj")}).status, exit_success);
+    const std::string obj = read(path("out.obj"));
+    EXPECT_EQ(obj.find("SCAN_(LEFT)_1"), std::string::npos);
+    EXPECT_NE(obj.find("LIMIT~1"), std::string::npos);
+    EXPECT_NE(obj.find("PCIM_2"), std::string::npos);
+    const RunResult bad = velmora({"convert", "--only", "pads", archive_, "-o", path("x.obj")});
+    EXPECT_EQ(bad.status, exit_usage);
+    EXPECT_EQ(bad.err.rfind("velmora convert: --only pads", 0), 0u) << bad.err;
+}
+
+TEST_F(ConvertCommandTest, SelectionThatKeepsNothing_ExitsOneAndWritesNothing)
+{
+    const RunResult r =
+        velmora({"convert", "--select", "*/VelmScan(A)/*", "--only", "outlines", archive_, "-o", path("out.glb")});
+    EXPECT_EQ(r.status, exit_nothing_imported);
+    EXPECT_EQ(r.err, "velmora convert: " + archive_ + ": nothing selected: no object matches --select and --only\n");
+    EXPECT_FALSE(fs::exists(path("out.glb")));
+}
