@@ -300,7 +300,9 @@ TEST_F(DumpCommandRun, Select_KeepsWhatIsInsideAMatchingGroup)
     EXPECT_GE(count_type(root, "curve"), 1);
     EXPECT_TRUE(has_name(root, "VelmScan(Visit)"));
     each(root, [](const json& i) {
-        if (i["type"] == "triblock") EXPECT_EQ(i["name"].get<std::string>().rfind("FINISH_MODEL~", 0), 0u);
+        if (i["type"] == "triblock") {
+            EXPECT_EQ(i["name"].get<std::string>().rfind("FINISH_MODEL~", 0), 0u);
+        }
     });
 }
 
