@@ -17,6 +17,7 @@
 #include "cli/writers/ObjWriter.h"
 #include "cli/writers/PlyWriter.h"
 #include "cli/writers/SceneCollector.h"
+#include "cli/writers/SolidInsole.h"
 #include "cli/writers/StlWriter.h"
 
 namespace {
@@ -47,6 +48,10 @@ std::string help_footer()
     "an object's path is its groups' names from \"Data Base\" down and its own name,\n"
     "joined by /, e.g. Data Base/Beispiel,Erika/Kontrolle : 2024-09-12/PCS models(Kontrolle)/\n"
     "MODEL_(LEFT)_2024-09-16/FINISH_MODEL~2. A selection that keeps nothing exits 1.\n"
+    "Solids: the plug-in's insole is a height surface with open walls; --solid keeps its\n"
+    "top surface and adds walls down to a floor plane and a floor under the outline, so\n"
+    "that it is a closed 2-manifold with outward normals. The floor plane is z = 0, which\n"
+    "the design's heights stand on, or 0.1 below the surface where it comes lower.\n"
     "OBJ, PLY and STL have no hierarchy: every placement is applied to the geometry.\n"
     "Colour indices become RGB by this palette: 0 light grey, 1 red, 2 yellow, 3 green\n"
     "(the finished model), 4 cyan, 5 blue, 6 magenta (outlines), 7 white, 8 dark grey,\n"
@@ -70,6 +75,13 @@ CLI::App* ConvertCommand::add_to(CLI::App& app, ConvertCommand& command)
                     "Multiply every coordinate by S (default 0.001 for glTF, 1 otherwise)")
         ->type_name("S")
         ->check(CLI::Validator([](std::string& text) { return CommandInputs::scale_error(text); }, ""));
+    CLI::Option* solid = cmd->add_flag(
+        "--solid", command.solid,
+        "Close each insole (FINISH_MODEL) into a watertight solid: walls down to a floor at z = 0 "
+        "(or below a surface that reaches it) and a floor under its outline (default for .stl and "
+        "for --only insoles)");
+    cmd->add_flag("--no-solid", command.no_solid, "Write the insoles as the plug-in made them, open")
+        ->excludes(solid);
     cmd->add_option("--up", command.up,
                     "glTF: the up axis, y (default: the root turns the archive's Z up into glTF's Y up) "
                     "or z (kept as in the archive)")
@@ -95,6 +107,12 @@ ConvertCommand::Format ConvertCommand::format_of(const std::string& path)
     if (ext == ".ply") return Format::ply;
     if (ext == ".stl") return Format::stl;
     return Format::unknown;
+}
+
+bool ConvertCommand::wants_solid(Format f) const
+{
+    if (solid || no_solid) return solid;
+    return f == Format::stl || selection.only_insoles();
 }
 
 double ConvertCommand::default_scale(Format f)
@@ -171,6 +189,7 @@ int ConvertCommand::run(std::ostream&, std::ostream& err) const
             return exit_nothing_imported;
         }
     }
+    if (wants_solid(f)) SolidInsole::close_all(scene.top);
     Style style;
     style.scale = scale.value_or(default_scale(f));
     style.curves = curves;

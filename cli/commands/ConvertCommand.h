@@ -27,6 +27,10 @@ public:
     std::optional<double> scale;
     // Write curves into a PLY file (as edges).
     bool curves = false;
+    // --solid / --no-solid as given: close the insoles into solids (see
+    // writers/SolidInsole.h); neither leaves it to wants_solid().
+    bool solid = false;
+    bool no_solid = false;
     // --select and --only: the objects written.
     Selection selection;
     // glTF's up axis: "y" (the root turns the archive's Z up into it) or "z".
@@ -45,6 +49,10 @@ public:
     // Diagnostics go to err, one line naming the file and the reason.
     int run(std::ostream& out, std::ostream& err) const;
 
+    // Whether the insoles are closed into solids when writing format f: as
+    // --solid or --no-solid say, else for STL (printers and mills want
+    // solids) and for --only insoles.
+    bool wants_solid(Format f) const;
     // The format of a file name's extension, in any letter case.
     static Format format_of(const std::string& path);
     // The scale a format is written at unless the user gives one: glTF counts

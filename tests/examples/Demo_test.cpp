@@ -256,7 +256,7 @@ TEST(DemoOutputs, AreByteIdenticalToTheRecordedOnes)
         {"demo.gltf", "7a74b9fa82241169a46a6ac7cd6d6ec7dd216b7d7b82b5466e9b2dcb335d8442"},
         {"demo.obj", "667a8ce7bb103b488a71499261d256dbdd6137231840257e6a4e02aedcc534b4"},
         {"demo.ply", "639c95f5bb8f14c9440035cf1d65d7fed77ab84973f92d1d3727780b9cc951e3"},
-        {"demo.stl", "e1d62b4f7eefb24eeb95f8e4a554a7d7dcc71751854a286bbb7747cfdcbd427d"},
+        {"demo.stl", "63182017a5c274dab0326c95bf06af95ef4827b9ab2d8214b7e33e25a9c31aa0"},
         {"scaled.summary.json", "a717ac5420f07bb837b5161af2a2392dac5beee24746c5e512b392612c95d627"},
         {"scaled.dump.json", "f095dddac0f2d8723c0731ad97d45ec44960b39635ebcc2802b0c46f4e1505f0"},
         {"scaled.compact.json", "ffb6499bb278ce5c6b085343c32333793f5bcfefa953c7b5045cce035a239269"},
@@ -264,7 +264,7 @@ TEST(DemoOutputs, AreByteIdenticalToTheRecordedOnes)
         {"scaled.gltf", "a4b8a66cc6fd2815d8bbc21976e6a5d657f7cc1a7e8645618c9b230b01205aae"},
         {"scaled.obj", "da1c900edeb670ff4f762ec7c69170b04d7a258d9f1525aa40b959ddbdd7d909"},
         {"scaled.ply", "a25ab26f9c7b78343bca799ebe3080732f8739a9d4be3cb8bb863b8382d29771"},
-        {"scaled.stl", "cacca79f14ce027f5375d9fa44683efca540d5ce43d52bd988e3f5a7f4614716"},
+        {"scaled.stl", "b48c803cb8a36c732f95db8260a93ce9d414cc93166d4afd02bd5e3ae662e410"},
     };
     // The file names are fixed: the converted scenes are named after the
     // archive.

@@ -8,12 +8,16 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
+#include <map>
+#include <sstream>
 #include <filesystem>
 #include <fstream>
 
 #include "cli/ExitCode.h"
 #include "cli/PluginLoader.h"
 #include "tests/cli/commandLineRun.h"
+#include "tests/support/demoArchive.h"
 
 namespace {
 
@@ -49,11 +53,49 @@ protected:
         return std::string(std::istreambuf_iterator<char>(in), {});
     }
 
+    static std::vector<std::string> lines_starting(const std::string& text, const std::string& prefix)
+    {
+        std::vector<std::string> out;
+        std::istringstream in(text);
+        for (std::string line; std::getline(in, line);)
+            if (line.rfind(prefix, 0) == 0) out.push_back(line);
+        return out;
+    }
+
     static int count_lines(const std::string& s) { return static_cast<int>(std::count(s.begin(), s.end(), '\n')); }
 
     fs::path dir_;
     std::string archive_;
 };
+
+// Edges of a binary STL file by the coordinates of their ends, as a
+// reader without indices sees them: how many are used by one facet only, and
+// how many are used otherwise than once each way.
+struct StlEdges {
+    std::size_t facets = 0, open = 0, bad = 0;
+};
+
+StlEdges stl_edges(const std::string& bytes)
+{
+    using P = std::array<float, 3>;
+    StlEdges e;
+    if (bytes.size() < 84) return e;
+    std::uint32_t n = 0;
+    std::memcpy(&n, bytes.data() + 80, 4);
+    e.facets = n;
+    std::map<std::pair<P, P>, int> directed;
+    for (std::uint32_t k = 0; k < n && 84 + 50 * (k + 1) <= bytes.size(); ++k) {
+        P v[3];
+        std::memcpy(v, bytes.data() + 84 + 50 * k + 12, sizeof v);
+        for (int i = 0; i < 3; ++i) ++directed[{v[i], v[(i + 1) % 3]}];
+    }
+    for (const auto& [d, count] : directed) {
+        const auto back = directed.find({d.second, d.first});
+        if (back == directed.end()) ++e.open;
+        else if (count != 1 || back->second != 1) ++e.bad;
+    }
+    return e;
+}
 
 tinygltf::Model load(const std::string& p)
 {
@@ -310,4 +352,42 @@ TEST_F(ConvertCommandTest, SelectionThatKeepsNothing_ExitsOneAndWritesNothing)
     EXPECT_EQ(r.status, exit_nothing_imported);
     EXPECT_EQ(r.err, "velmora convert: " + archive_ + ": nothing selected: no object matches --select and --only\n");
     EXPECT_FALSE(fs::exists(path("out.glb")));
+}
+
+TEST_F(ConvertCommandTest, Solid_InsolesAreClosedInStlByDefaultAndOpenWithNoSolid)
+{
+    const std::string plugin = std::string(VELMORA_BINARY_DIR) + "/lib/" + PluginLoader::library_file;
+    if (!fs::exists(plugin)) GTEST_SKIP() << plugin << " is not built";
+    setenv("VELMORA_PLUGIN", plugin.c_str(), 1);
+    const std::string demo = path("demo.vlm");
+    ASSERT_TRUE(vlm::demo::write_archive(demo));
+    const std::vector<std::string> insole = {"--select", "*/FINISH_MODEL~1"};
+    const auto convert = [&](std::vector<std::string> args, const std::string& out) {
+        args.insert(args.begin(), "convert");
+        args.insert(args.end(), insole.begin(), insole.end());
+        args.insert(args.end(), {demo, "-o", path(out)});
+        return velmora(args).status;
+    };
+    ASSERT_EQ(convert({}, "default.stl"), exit_success);
+    const StlEdges solid = stl_edges(read(path("default.stl")));
+    EXPECT_GT(solid.facets, 1000u);
+    EXPECT_EQ(solid.open, 0u);
+    EXPECT_EQ(solid.bad, 0u);
+    ASSERT_EQ(convert({"--no-solid"}, "open.stl"), exit_success);
+    const StlEdges open = stl_edges(read(path("open.stl")));
+    EXPECT_GT(open.open, 0u);
+    // --only insoles closes them in every format; --no-solid still wins.
+    ASSERT_EQ(convert({"--only", "insoles"}, "only.obj"), exit_success);
+    ASSERT_EQ(convert({}, "plain.obj"), exit_success);
+    ASSERT_EQ(convert({"--only", "insoles", "--no-solid"}, "open.obj"), exit_success);
+    const auto faces = [&](const std::string& f) { return lines_starting(read(path(f)), "f ").size(); };
+    EXPECT_EQ(faces("only.obj"), solid.facets);
+    EXPECT_EQ(faces("plain.obj"), open.facets);
+    EXPECT_EQ(faces("open.obj"), open.facets);
+    ASSERT_EQ(convert({"--solid"}, "solid.glb"), exit_success);
+    const tinygltf::Model m = load(path("solid.glb"));
+    ASSERT_EQ(m.meshes.size(), 1u);
+    EXPECT_EQ(m.accessors.at(static_cast<std::size_t>(m.meshes[0].primitives[0].indices)).count, 3 * solid.facets);
+    const RunResult both = velmora({"convert", "--solid", "--no-solid", demo, "-o", path("x.stl")});
+    EXPECT_EQ(both.status, exit_usage);
 }
