@@ -13,6 +13,7 @@
 #include "cli/ExitCode.h"
 #include "cli/PluginLoader.h"
 #include "cli/ReadDiagnosis.h"
+#include "cli/SplitOutput.h"
 #include "cli/writers/GltfWriter.h"
 #include "cli/writers/ObjWriter.h"
 #include "cli/writers/PlyWriter.h"
@@ -44,6 +45,13 @@ std::string help_footer()
     "Curves arrive as NURBS; no output format holds one, so each is sampled: " +
     std::to_string(SceneCurve::samples_per_span) + " points\nper knot span (the span ends for a polyline), at most " +
     std::to_string(SceneCurve::max_samples) + " per curve.\n"
+    "Split: --split DIR writes each object to its own file (--format EXT, default stl),\n"
+    "named after its path (names joined by --, bytes a file system or shell would take\n"
+    "otherwise made _, a repeated name suffixed -2, -3, ...), and DIR/manifest.json: per\n"
+    "file its path, kind (scan, image, outline, insole), vertices and triangles or points,\n"
+    "and bounding box in the archive's millimetres with every placement applied. An object\n"
+    "the format cannot hold (a curve or points in STL, a curve in PLY without --curves) is\n"
+    "only named in the manifest's \"left_out\".\n"
     "Selection: --select and --only keep some objects (and the groups that hold them);\n"
     "an object's path is its groups' names from \"Data Base\" down and its own name,\n"
     "joined by /, e.g. Data Base/Beispiel,Erika/Kontrolle : 2024-09-12/PCS models(Kontrolle)/\n"
@@ -90,9 +98,18 @@ CLI::App* ConvertCommand::add_to(CLI::App& app, ConvertCommand& command)
     cmd->add_flag("--curves", command.curves,
                   "PLY: also write the curves, sampled, as an \"edge\" element (many readers refuse one)");
     cmd->add_option("file", command.file, "The archive to import")->required()->type_name("FILE.vlm");
-    cmd->add_option("-o,--output", command.output, "The file to write; its extension picks the format")
-        ->required()
-        ->type_name("OUT");
+    CLI::Option* output =
+        cmd->add_option("-o,--output", command.output, "The file to write; its extension picks the format")
+            ->type_name("OUT");
+    cmd->add_option("--split", command.split,
+                    "Write one file per object into DIR (made when missing) instead of -o, each named "
+                    "after the object's path, and DIR/manifest.json listing file, path, kind, counts and "
+                    "bounding box of each")
+        ->type_name("DIR")
+        ->excludes(output);
+    cmd->add_option("--format", command.format, "With --split: the format of the files (default stl)")
+        ->type_name("EXT")
+        ->check(CLI::IsMember({"glb", "gltf", "obj", "ply", "stl"}));
     cmd->footer(help_footer());
     return cmd;
 }
@@ -159,7 +176,11 @@ std::vector<std::pair<std::string, int>> ConvertCommand::options_in_force(const 
 
 int ConvertCommand::run(std::ostream&, std::ostream& err) const
 {
-    const Format f = format_of(output);
+    if (output.empty() && split.empty()) {
+        err << "velmora convert: -o OUT or --split DIR is needed (see velmora --help)\n";
+        return exit_usage;
+    }
+    const Format f = format_of(split.empty() ? output : "split." + format);
     if (f == Format::unknown) {
         CommandInputs::report(err, "convert", output, "unknown output format (use .glb, .gltf, .obj, .ply or .stl)");
         return exit_usage;
@@ -194,6 +215,28 @@ int ConvertCommand::run(std::ostream&, std::ostream& err) const
     style.scale = scale.value_or(default_scale(f));
     style.curves = curves;
     style.y_up = up == "y";
+    if (!split.empty()) {
+        // STL holds triangles only, PLY no curve unless asked: a file of
+        // nothing would only mislead.
+        const auto holds = [&](const ScenePlacedItem& it) {
+            if (f == Format::stl) return it.mesh != nullptr;
+            if (f == Format::ply) return it.curve == nullptr || curves;
+            return true;
+        };
+        std::size_t written = 0;
+        const std::string why = SplitOutput::write(
+            scene, split, format, [&](const Scene& one, const std::string& path) { return write_scene(one, path, f, style); },
+            holds, &written);
+        if (!why.empty()) {
+            CommandInputs::report(err, "convert", split, "cannot write: " + why);
+            return exit_unreadable;
+        }
+        if (written == 0) {
+            CommandInputs::report(err, "convert", split, "nothing written: " + format + " holds none of the objects");
+            return exit_nothing_imported;
+        }
+        return exit_success;
+    }
     if (const std::string why = write_scene(scene, output, f, style); !why.empty()) {
         CommandInputs::report(err, "convert", output, "cannot write: " + why);
         return exit_unreadable;

@@ -31,6 +31,10 @@ public:
     // writers/SolidInsole.h); neither leaves it to wants_solid().
     bool solid = false;
     bool no_solid = false;
+    // --split DIR: one file per object there, in format `format` (an
+    // extension without the dot), and DIR/manifest.json.
+    std::string split;
+    std::string format = "stl";
     // --select and --only: the objects written.
     Selection selection;
     // glTF's up axis: "y" (the root turns the archive's Z up into it) or "z".
@@ -43,7 +47,7 @@ public:
     static CLI::App* add_to(CLI::App& app, ConvertCommand& command);
 
     // Exit status: 0 written, 1 the import produced nothing (or the
-    // selection kept nothing), 2 an unknown
+    // selection kept nothing), 2 neither -o nor --split, or an unknown
     // output format (a bad option or value is refused while parsing), 3 a
     // file could not be read or written or the plug-in could not be loaded.
     // Diagnostics go to err, one line naming the file and the reason.

@@ -391,3 +391,40 @@ TEST_F(ConvertCommandTest, Solid_InsolesAreClosedInStlByDefaultAndOpenWithNoSoli
     const RunResult both = velmora({"convert", "--solid", "--no-solid", demo, "-o", path("x.stl")});
     EXPECT_EQ(both.status, exit_usage);
 }
+
+TEST_F(ConvertCommandTest, Split_WritesOneFilePerObjectAndAManifest)
+{
+    const RunResult r = velmora({"convert", archive_, "--split", path("parts"), "--format", "obj"});
+    ASSERT_EQ(r.status, exit_success) << r.err;
+    EXPECT_EQ(r.err, "");
+    for (const char* f : {"Data_Base--VelmScan(A)--SCAN_(LEFT)_1.obj", "Data_Base--VelmScan(A)--PCIM_2.obj",
+                          "Data_Base--PCS_models(B)--LIMIT~1.obj", "manifest.json"})
+        EXPECT_TRUE(fs::exists(path("parts/") + f)) << f;
+    const std::string scan = read(path("parts/Data_Base--VelmScan(A)--SCAN_(LEFT)_1.obj"));
+    EXPECT_NE(scan.find("g VelmScan(A)_SCAN_(LEFT)_1\n"), std::string::npos);
+    EXPECT_EQ(scan.find("LIMIT"), std::string::npos);
+    const std::string manifest = read(path("parts/manifest.json"));
+    EXPECT_NE(manifest.find("\"path\": \"Data Base/VelmScan(A)/SCAN_(LEFT)_1\""), std::string::npos);
+    EXPECT_NE(manifest.find("\"kind\": \"outline\""), std::string::npos);
+}
+
+TEST_F(ConvertCommandTest, Split_InStlByDefaultLeavesOutWhatStlCannotHold)
+{
+    ASSERT_EQ(velmora({"convert", archive_, "--split", path("parts")}).status, exit_success);
+    EXPECT_TRUE(fs::exists(path("parts/Data_Base--VelmScan(A)--SCAN_(LEFT)_1.stl")));
+    EXPECT_FALSE(fs::exists(path("parts/Data_Base--PCS_models(B)--LIMIT~1.stl")));
+    EXPECT_NE(read(path("parts/manifest.json")).find("\"left_out\": [\n    \"Data Base/VelmScan(A)/PCIM_2\",\n"),
+              std::string::npos);
+    const RunResult none = velmora({"convert", archive_, "--only", "outlines", "--split", path("none")});
+    EXPECT_EQ(none.status, exit_nothing_imported);
+    EXPECT_EQ(none.err, "velmora convert: " + path("none") + ": nothing written: stl holds none of the objects\n");
+}
+
+TEST_F(ConvertCommandTest, OutputOrSplit_ExactlyOneIsNeeded)
+{
+    const RunResult neither = velmora({"convert", archive_});
+    EXPECT_EQ(neither.status, exit_usage);
+    EXPECT_EQ(neither.err, "velmora convert: -o OUT or --split DIR is needed (see velmora --help)\n");
+    EXPECT_EQ(velmora({"convert", archive_, "-o", path("a.obj"), "--split", path("d")}).status, exit_usage);
+    EXPECT_EQ(velmora({"convert", archive_, "--split", path("d"), "--format", "dxf"}).status, exit_usage);
+}
