@@ -17,7 +17,9 @@
 #include "cli/ExitCode.h"
 #include "cli/PluginLoader.h"
 #include "tests/cli/commandLineRun.h"
+#include "tests/support/contourText.h"
 #include "tests/support/demoArchive.h"
+#include "tests/support/vlmWriter.h"
 
 namespace {
 
@@ -427,4 +429,48 @@ TEST_F(ConvertCommandTest, OutputOrSplit_ExactlyOneIsNeeded)
     EXPECT_EQ(neither.err, "velmora convert: -o OUT or --split DIR is needed (see velmora --help)\n");
     EXPECT_EQ(velmora({"convert", archive_, "-o", path("a.obj"), "--split", path("d")}).status, exit_usage);
     EXPECT_EQ(velmora({"convert", archive_, "--split", path("d"), "--format", "dxf"}).status, exit_usage);
+}
+
+TEST_F(ConvertCommandTest, Latin1Names_AreWrittenAsUtf8AndSelectedByUtf8Patterns)
+{
+    const std::string plugin = std::string(VELMORA_BINARY_DIR) + "/lib/" + PluginLoader::library_file;
+    if (!fs::exists(plugin)) GTEST_SKIP() << plugin << " is not built";
+    setenv("VELMORA_PLUGIN", plugin.c_str(), 1);
+    vlm::height_grid g;
+    g.nx = 4;
+    g.ny = 3;
+    g.codes.assign(12, 10);
+    vlm::archive a;
+    a.add("VLM00005.dat", vlm::chunk_chain(vlm::grid_entry(g), 300));
+    a.add("VLM00008.dat", vlm::chunk_chain(vlm::small_design(), 1000));
+    a.add("00000.vlk", vlm::catalogue()
+                           .header("Velmora")
+                           .separator()
+                           .level1("M\xFCller", "J\xFCrgen")
+                           .level2("2021-03-01", "Erstpr\xFC" "fung")
+                           .level3(1, 1, 0, 101, "20210301", "scan", "", 5)
+                           .level3(3, 4, 1, 1, "20210304", "model", "", 8)
+                           .text());
+    const std::string archive = path("latin1.vlm");
+    ASSERT_TRUE(a.write(archive));
+    const RunResult r = velmora({"convert", "--select", "*/M\xC3\xBCller,J\xC3\xBCrgen/*/VelmScan(*", archive, "-o",
+                                 path("out.obj")});
+    ASSERT_EQ(r.status, exit_success) << r.err;
+    const std::string obj = read(path("out.obj"));
+    EXPECT_NE(obj.find("# in Data_Base/M\xC3\xBCller,J\xC3\xBCrgen/Erstpr\xC3\xBC" "fung"), std::string::npos) << obj.substr(0, 400);
+    EXPECT_EQ(obj.find("FINISH_MODEL"), std::string::npos);
+    EXPECT_EQ(obj.find('\xFC'), std::string::npos);
+    // The insole of the same archive, closed, split into a file named in UTF-8.
+    ASSERT_EQ(velmora({"convert", "--only", "insoles", archive, "--split", path("parts")}).status, exit_success);
+    std::size_t stl = 0;
+    for (const auto& e : fs::directory_iterator(path("parts"))) {
+        if (e.path().extension() != ".stl") continue;
+        ++stl;
+        EXPECT_NE(e.path().filename().string().find("M\xC3\xBCller,J\xC3\xBCrgen--Erstpr\xC3\xBC" "fung"), std::string::npos);
+        const StlEdges edges = stl_edges(read(e.path().string()));
+        EXPECT_GT(edges.facets, 0u);
+        EXPECT_EQ(edges.open, 0u);
+        EXPECT_EQ(edges.bad, 0u);
+    }
+    EXPECT_EQ(stl, 1u);
 }
