@@ -83,18 +83,53 @@ Boundary boundary_of(const std::vector<Tri>& tris)
 }
 
 // Leaves out every triangle at a pinch vertex until there is none: what is
-// left meets itself along edges only.
-std::vector<Tri> without_pinches(std::vector<Tri> tris, Boundary& b)
+// left meets itself along edges only. Each triangle leaves at most once and
+// each removal updates the boundary around it alone, so the whole costs in
+// proportion to the triangles however far one removal's pinches lead on.
+std::vector<Tri> without_pinches(const std::vector<Tri>& tris, Boundary& b)
 {
-    for (b = boundary_of(tris); !b.pinches.empty() && !tris.empty(); b = boundary_of(tris)) {
-        std::unordered_map<std::uint32_t, bool> pinch;
-        for (std::uint32_t v : b.pinches) pinch[v] = true;
-        std::vector<Tri> kept;
-        for (const Tri& t : tris)
-            if (!pinch.count(t[0]) && !pinch.count(t[1]) && !pinch.count(t[2])) kept.push_back(t);
-        tris = std::move(kept);
+    std::unordered_map<std::uint64_t, std::size_t> directed;  // edge -> its triangle
+    std::unordered_map<std::uint32_t, std::vector<std::size_t>> around;
+    for (std::size_t k = 0; k < tris.size(); ++k) {
+        for (int i = 0; i < 3; ++i) {
+            directed[edge_key(tris[k][i], tris[k][(i + 1) % 3])] = k;
+            around[tris[k][i]].push_back(k);
+        }
     }
-    return tris;
+    // How many boundary edges leave each vertex.
+    std::unordered_map<std::uint32_t, int> out;
+    for (const auto& [e, k] : directed)
+        if (!directed.count(edge_key(static_cast<std::uint32_t>(e), static_cast<std::uint32_t>(e >> 32))))
+            ++out[static_cast<std::uint32_t>(e >> 32)];
+    std::vector<std::uint32_t> work;
+    for (const auto& [v, n] : out)
+        if (n >= 2) work.push_back(v);
+    std::sort(work.begin(), work.end());
+    std::vector<bool> alive(tris.size(), true);
+    while (!work.empty()) {
+        const std::uint32_t p = work.back();
+        work.pop_back();
+        if (out[p] < 2) continue;
+        for (std::size_t k : around[p]) {
+            if (!alive[k]) continue;
+            alive[k] = false;
+            for (int i = 0; i < 3; ++i) {
+                const std::uint32_t u = tris[k][i], v = tris[k][(i + 1) % 3];
+                directed.erase(edge_key(u, v));
+                if (directed.count(edge_key(v, u))) {
+                    // Its neighbour's edge v -> u is now on the boundary.
+                    if (++out[v] == 2) work.push_back(v);
+                } else {
+                    --out[u];
+                }
+            }
+        }
+    }
+    std::vector<Tri> kept;
+    for (std::size_t k = 0; k < tris.size(); ++k)
+        if (alive[k]) kept.push_back(tris[k]);
+    b = boundary_of(kept);
+    return kept;
 }
 
 // The boundary's loops, each in the order its edges run.

@@ -210,6 +210,19 @@ TEST(SolidInsole, Close_CellsMeetingAtACornerOnlyAreLeftOutThere)
     EXPECT_GT(SolidInsole::volume(*s), 0.0);
 }
 
+TEST(SolidInsole, Close_AChainOfBlocksMeetingAtCornersIsClosedWhereItHolds)
+{
+    const SceneMesh m = flat_grid({"##......", "##......", "..##....", "..##....", "....##..", "....##..", "......##",
+                                   "......##"},
+                                  2.0);
+    const std::optional<SceneMesh> s = SolidInsole::close(m);
+    ASSERT_TRUE(s);
+    expect_closed(*s);
+    // Four blocks of 4 cells at 2 mm; at each of the 3 corners where two
+    // meet, each loses the half cell (one triangle) at that corner: 13 cells.
+    EXPECT_NEAR(SolidInsole::volume(*s), 13.0 * 2.0, 1e-9);
+}
+
 TEST(SolidInsole, Close_FloorGoesBelowASurfaceThatReachesTheBasePlane)
 {
     const SceneMesh low = flat_grid({"##", "##"}, 0.05);
