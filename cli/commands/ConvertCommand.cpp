@@ -59,15 +59,15 @@ std::string help_footer()
     "Solids: the plug-in's insole is a height surface with open walls; --solid keeps its\n"
     "top surface and adds walls down to a floor plane and a floor under the outline, so\n"
     "that it is a closed 2-manifold with outward normals. The floor plane is z = 0, which\n"
-    "the design's heights stand on, or 0.1 below the surface where it comes lower.\n"
+    "the design's heights stand on, or 0.1 mm below the surface where it comes lower.\n"
     "OBJ, PLY and STL have no hierarchy: every placement is applied to the geometry.\n"
     "Colour indices become RGB by this palette: 0 light grey, 1 red, 2 yellow, 3 green\n"
     "(the finished model), 4 cyan, 5 blue, 6 magenta (outlines), 7 white, 8 dark grey,\n"
     "9 light grey; no index or another index: light grey. STL keeps no colour.\n"
     "The plug-in is bin/../lib/libvelmora2rnx.so next to velmora, or the file that\n"
     "VELMORA_PLUGIN names.\n"
-    "Exit status: 0 written, 1 the import produced nothing, 2 wrong usage, 3 a file\n"
-    "could not be read or written.";
+    "Exit status: 0 written, 1 the import produced nothing (or the selection kept, or\n"
+    "--split wrote, nothing), 2 wrong usage, 3 a file could not be read or written.";
 }
 
 } // namespace

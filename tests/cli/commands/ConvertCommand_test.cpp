@@ -288,6 +288,21 @@ TEST_F(ConvertCommandTest, Help_SaysUnitsSamplingAndPalette)
     EXPECT_NE(r.out.find("3 green"), std::string::npos);
 }
 
+TEST_F(ConvertCommandTest, Help_ExplainsEveryOptionOfSelectionSolidsSplitAndFormats)
+{
+    const RunResult r = velmora({"convert", "--help"});
+    EXPECT_EQ(r.status, exit_success);
+    for (const char* text : {"--select PATTERN", "* also spans /", "--only KIND", "insoles (the FINISH_MODEL meshes)",
+                             "--solid", "default for .stl and for --only insoles", "--no-solid", "--up AXIS",
+                             "Y up", "--curves", "--split DIR", "manifest.json", "--format EXT", "left_out",
+                             "The floor plane is z = 0", "float32", "UTF-8"})
+        EXPECT_NE(r.out.find(text), std::string::npos) << text;
+    const RunResult d = velmora({"dump", "--help"});
+    EXPECT_EQ(d.status, exit_success);
+    for (const char* text : {"--select PATTERN", "--only KIND", "keep the tree's groups"})
+        EXPECT_NE(d.out.find(text), std::string::npos) << text;
+}
+
 TEST(ConvertCommand, FormatOf_ReadsTheExtensionInAnyCase)
 {
     EXPECT_EQ(ConvertCommand::format_of("a.GLB"), ConvertCommand::Format::glb);
