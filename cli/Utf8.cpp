@@ -24,3 +24,20 @@ std::size_t Utf8::sequence_length(std::string_view s, std::size_t i)
         if (at(i + k) < 0x80 || at(i + k) > 0xBF) return 0;
     return n;
 }
+
+std::string Utf8::from_bytes(std::string_view bytes)
+{
+    std::string out;
+    out.reserve(bytes.size());
+    for (std::size_t i = 0; i < bytes.size();) {
+        if (const std::size_t len = sequence_length(bytes, i); len > 0) {
+            out.append(bytes, i, len);
+            i += len;
+            continue;
+        }
+        const auto b = static_cast<unsigned char>(bytes[i++]);
+        out += static_cast<char>(0xC0 | (b >> 6));
+        out += static_cast<char>(0x80 | (b & 0x3F));
+    }
+    return out;
+}

@@ -13,10 +13,12 @@
 #include "cli/ExitCode.h"
 #include "cli/PluginLoader.h"
 #include "cli/ReadDiagnosis.h"
+#include "cli/SplitOutput.h"
 #include "cli/writers/GltfWriter.h"
 #include "cli/writers/ObjWriter.h"
 #include "cli/writers/PlyWriter.h"
 #include "cli/writers/SceneCollector.h"
+#include "cli/writers/SolidInsole.h"
 #include "cli/writers/StlWriter.h"
 
 namespace {
@@ -30,22 +32,42 @@ std::string help_footer()
     "               strips, point clouds as POINTS primitives with their colours in COLOR_0.\n"
     "  .obj         one group per item (its mangled name), faces, sampled curves as lines,\n"
     "               points; vertex colours after x y z.\n"
-    "  .ply         binary: one vertex list with red, green, blue; faces, sampled curves as\n"
-    "               edges, point clouds as vertices.\n"
+    "  .ply         binary: one vertex list (float x y z, red, green, blue); faces and point\n"
+    "               clouds as vertices; sampled curves as edges only with --curves.\n"
     "  .stl         binary: the triangles of the meshes only.\n"
     "Units: the archive counts millimetres, glTF metres, so the glTF root node scales\n"
     "by 0.001; OBJ, PLY and STL stay in millimetres. --scale S replaces either.\n"
+    "Axes: the archive's Z is up; the glTF root turns it into glTF's Y up (--up z keeps Z).\n"
+    "glTF meshes carry vertex normals; siblings of one name get \" (2)\", \" (3)\", ...;\n"
+    "the asset's extras name the archive and the import options.\n"
+    "Text numbers (OBJ) are the shortest that read back to the float32 written; every\n"
+    "name is written as UTF-8 (bytes that are not are read as Latin-1).\n"
     "Curves arrive as NURBS; no output format holds one, so each is sampled: " +
     std::to_string(SceneCurve::samples_per_span) + " points\nper knot span (the span ends for a polyline), at most " +
     std::to_string(SceneCurve::max_samples) + " per curve.\n"
+    "Split: --split DIR writes each object to its own file (--format EXT, default stl),\n"
+    "named after its path (names joined by --, bytes a file system or shell would take\n"
+    "otherwise made _, a repeated name suffixed -2, -3, ...), and DIR/manifest.json: per\n"
+    "file its path, kind (scan, image, outline, insole), vertices and triangles or points,\n"
+    "and bounding box in the archive's millimetres with every placement applied. An object\n"
+    "the format cannot hold (a curve or points in STL, a curve in PLY without --curves) is\n"
+    "only named in the manifest's \"left_out\".\n"
+    "Selection: --select and --only keep some objects (and the groups that hold them);\n"
+    "an object's path is its groups' names from \"Data Base\" down and its own name,\n"
+    "joined by /, e.g. Data Base/Beispiel,Erika/Kontrolle : 2024-09-12/PCS models(Kontrolle)/\n"
+    "MODEL_(LEFT)_2024-09-16/FINISH_MODEL~2. A selection that keeps nothing exits 1.\n"
+    "Solids: the plug-in's insole is a height surface with open walls; --solid keeps its\n"
+    "top surface and adds walls down to a floor plane and a floor under the outline, so\n"
+    "that it is a closed 2-manifold with outward normals. The floor plane is z = 0, which\n"
+    "the design's heights stand on, or 0.1 mm below the surface where it comes lower.\n"
     "OBJ, PLY and STL have no hierarchy: every placement is applied to the geometry.\n"
     "Colour indices become RGB by this palette: 0 light grey, 1 red, 2 yellow, 3 green\n"
     "(the finished model), 4 cyan, 5 blue, 6 magenta (outlines), 7 white, 8 dark grey,\n"
     "9 light grey; no index or another index: light grey. STL keeps no colour.\n"
     "The plug-in is bin/../lib/libvelmora2rnx.so next to velmora, or the file that\n"
     "VELMORA_PLUGIN names.\n"
-    "Exit status: 0 written, 1 the import produced nothing, 2 wrong usage, 3 a file\n"
-    "could not be read or written.";
+    "Exit status: 0 written, 1 the import produced nothing (or the selection kept, or\n"
+    "--split wrote, nothing), 2 wrong usage, 3 a file could not be read or written.";
 }
 
 } // namespace
@@ -56,14 +78,38 @@ CLI::App* ConvertCommand::add_to(CLI::App& app, ConvertCommand& command)
         "convert", "Import an archive through the plug-in and write what the host received as "
                    "glTF, OBJ, PLY or STL, by the output's extension");
     CommandInputs::add_plugin_option(*cmd, command.options);
+    Selection::add_options(*cmd, command.selection);
     cmd->add_option("--scale", command.scale,
                     "Multiply every coordinate by S (default 0.001 for glTF, 1 otherwise)")
         ->type_name("S")
         ->check(CLI::Validator([](std::string& text) { return CommandInputs::scale_error(text); }, ""));
+    CLI::Option* solid = cmd->add_flag(
+        "--solid", command.solid,
+        "Close each insole (FINISH_MODEL) into a watertight solid: walls down to a floor at z = 0 "
+        "(or below a surface that reaches it) and a floor under its outline (default for .stl and "
+        "for --only insoles)");
+    cmd->add_flag("--no-solid", command.no_solid, "Write the insoles as the plug-in made them, open")
+        ->excludes(solid);
+    cmd->add_option("--up", command.up,
+                    "glTF: the up axis, y (default: the root turns the archive's Z up into glTF's Y up) "
+                    "or z (kept as in the archive)")
+        ->type_name("AXIS")
+        ->check(CLI::IsMember({"y", "z"}));
+    cmd->add_flag("--curves", command.curves,
+                  "PLY: also write the curves, sampled, as an \"edge\" element (many readers refuse one)");
     cmd->add_option("file", command.file, "The archive to import")->required()->type_name("FILE.vlm");
-    cmd->add_option("-o,--output", command.output, "The file to write; its extension picks the format")
-        ->required()
-        ->type_name("OUT");
+    CLI::Option* output =
+        cmd->add_option("-o,--output", command.output, "The file to write; its extension picks the format")
+            ->type_name("OUT");
+    cmd->add_option("--split", command.split,
+                    "Write one file per object into DIR (made when missing) instead of -o, each named "
+                    "after the object's path, and DIR/manifest.json listing file, path, kind, counts and "
+                    "bounding box of each")
+        ->type_name("DIR")
+        ->excludes(output);
+    cmd->add_option("--format", command.format, "With --split: the format of the files (default stl)")
+        ->type_name("EXT")
+        ->check(CLI::IsMember({"glb", "gltf", "obj", "ply", "stl"}));
     cmd->footer(help_footer());
     return cmd;
 }
@@ -80,21 +126,28 @@ ConvertCommand::Format ConvertCommand::format_of(const std::string& path)
     return Format::unknown;
 }
 
+bool ConvertCommand::wants_solid(Format f) const
+{
+    if (solid || no_solid) return solid;
+    return f == Format::stl || selection.only_insoles();
+}
+
 double ConvertCommand::default_scale(Format f)
 {
     return f == Format::glb || f == Format::gltf ? GltfWriter::millimetres_to_metres : 1.0;
 }
 
-std::string ConvertCommand::write_scene(const Scene& scene, const std::string& path, Format f, double scale)
+std::string ConvertCommand::write_scene(const Scene& scene, const std::string& path, Format f, const Style& style)
 {
+    const double scale = style.scale;
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     if (!out) return std::strerror(errno);
     std::string reason;
     switch (f) {
-    case Format::glb: reason = GltfWriter::write(scene, scale, true, out); break;
-    case Format::gltf: reason = GltfWriter::write(scene, scale, false, out); break;
+    case Format::glb: reason = GltfWriter::write(scene, scale, true, out, style.y_up); break;
+    case Format::gltf: reason = GltfWriter::write(scene, scale, false, out, style.y_up); break;
     case Format::obj: reason = ObjWriter::write(scene, scale, out); break;
-    case Format::ply: reason = PlyWriter::write(scene, scale, out); break;
+    case Format::ply: reason = PlyWriter::write(scene, scale, out, style.curves); break;
     case Format::stl: reason = StlWriter::write(scene, scale, out); break;
     case Format::unknown: reason = "unknown output format"; break;
     }
@@ -108,9 +161,26 @@ std::string ConvertCommand::write_scene(const Scene& scene, const std::string& p
     return reason;
 }
 
+std::vector<std::pair<std::string, int>> ConvertCommand::options_in_force(const std::vector<std::string>& settings)
+{
+    const std::vector<std::pair<std::string, int>> given = CommandInputs::plugin_options(settings);
+    std::vector<std::pair<std::string, int>> out;
+    for (const std::string& name : PluginLoader::option_names()) {
+        int value = 1;
+        for (const auto& [n, v] : given)
+            if (n == name) value = v;
+        out.emplace_back(name, value);
+    }
+    return out;
+}
+
 int ConvertCommand::run(std::ostream&, std::ostream& err) const
 {
-    const Format f = format_of(output);
+    if (output.empty() && split.empty()) {
+        err << "velmora convert: -o OUT or --split DIR is needed (see velmora --help)\n";
+        return exit_usage;
+    }
+    const Format f = format_of(split.empty() ? output : "split." + format);
     if (f == Format::unknown) {
         CommandInputs::report(err, "convert", output, "unknown output format (use .glb, .gltf, .obj, .ply or .stl)");
         return exit_usage;
@@ -130,8 +200,44 @@ int ConvertCommand::run(std::ostream&, std::ostream& err) const
         return exit_nothing_imported;
     case PluginLoader::imported: break;
     }
-    if (const std::string why = write_scene(collector.scene(), output, f, scale.value_or(default_scale(f)));
-        !why.empty()) {
+    Scene scene = collector.take_scene();
+    scene.archive = std::filesystem::path(file).filename().string();
+    scene.options = options_in_force(options);
+    if (selection.active()) {
+        scene = selection.apply(scene);
+        if (scene.num_items() == 0) {
+            CommandInputs::report(err, "convert", file, "nothing selected: no object matches --select and --only");
+            return exit_nothing_imported;
+        }
+    }
+    if (wants_solid(f)) SolidInsole::close_all(scene.top);
+    Style style;
+    style.scale = scale.value_or(default_scale(f));
+    style.curves = curves;
+    style.y_up = up == "y";
+    if (!split.empty()) {
+        // STL holds triangles only, PLY no curve unless asked: a file of
+        // nothing would only mislead.
+        const auto holds = [&](const ScenePlacedItem& it) {
+            if (f == Format::stl) return it.mesh != nullptr;
+            if (f == Format::ply) return it.curve == nullptr || curves;
+            return true;
+        };
+        std::size_t written = 0;
+        const std::string why = SplitOutput::write(
+            scene, split, format, [&](const Scene& one, const std::string& path) { return write_scene(one, path, f, style); },
+            holds, &written);
+        if (!why.empty()) {
+            CommandInputs::report(err, "convert", split, "cannot write: " + why);
+            return exit_unreadable;
+        }
+        if (written == 0) {
+            CommandInputs::report(err, "convert", split, "nothing written: " + format + " holds none of the objects");
+            return exit_nothing_imported;
+        }
+        return exit_success;
+    }
+    if (const std::string why = write_scene(scene, output, f, style); !why.empty()) {
         CommandInputs::report(err, "convert", output, "cannot write: " + why);
         return exit_unreadable;
     }

@@ -6,7 +6,10 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "cli/Selection.h"
 
 namespace CLI {
 class App;
@@ -22,6 +25,20 @@ public:
     // NAME=0|1, each as given.
     std::vector<std::string> options;
     std::optional<double> scale;
+    // Write curves into a PLY file (as edges).
+    bool curves = false;
+    // --solid / --no-solid as given: close the insoles into solids (see
+    // writers/SolidInsole.h); neither leaves it to wants_solid().
+    bool solid = false;
+    bool no_solid = false;
+    // --split DIR: one file per object there, in format `format` (an
+    // extension without the dot), and DIR/manifest.json.
+    std::string split;
+    std::string format = "stl";
+    // --select and --only: the objects written.
+    Selection selection;
+    // glTF's up axis: "y" (the root turns the archive's Z up into it) or "z".
+    std::string up = "y";
     // The plug-in to load; empty for PluginLoader::library_path().
     std::string library;
 
@@ -29,17 +46,33 @@ public:
     // app.got_subcommand("convert") then says to call run().
     static CLI::App* add_to(CLI::App& app, ConvertCommand& command);
 
-    // Exit status: 0 written, 1 the import produced nothing, 2 an unknown
+    // Exit status: 0 written, 1 the import produced nothing (or the
+    // selection kept nothing), 2 neither -o nor --split, or an unknown
     // output format (a bad option or value is refused while parsing), 3 a
     // file could not be read or written or the plug-in could not be loaded.
     // Diagnostics go to err, one line naming the file and the reason.
     int run(std::ostream& out, std::ostream& err) const;
 
+    // Whether the insoles are closed into solids when writing format f: as
+    // --solid or --no-solid say, else for STL (printers and mills want
+    // solids) and for --only insoles.
+    bool wants_solid(Format f) const;
     // The format of a file name's extension, in any letter case.
     static Format format_of(const std::string& path);
     // The scale a format is written at unless the user gives one: glTF counts
     // metres, the others keep the archive's millimetres.
     static double default_scale(Format f);
+    // Each of the plug-in's options with the value a run with these
+    // settings (NAME=0|1, later ones first) reads: 1 where none is given.
+    static std::vector<std::pair<std::string, int>> options_in_force(const std::vector<std::string>& settings);
+    // How a scene is written, besides its format.
+    struct Style {
+        double scale = 1.0;
+        // PLY: the curves as edges too.
+        bool curves = false;
+        // glTF: turn the archive's Z up into glTF's Y up at the root.
+        bool y_up = true;
+    };
     // Writes scene to path in format f; empty on success, else the reason.
-    static std::string write_scene(const Scene& scene, const std::string& path, Format f, double scale);
+    static std::string write_scene(const Scene& scene, const std::string& path, Format f, const Style& style);
 };

@@ -30,6 +30,7 @@ const char* help_footer()
            "attributes and geometry. Numbers read back exactly; NaN and the infinities are the\n"
            "strings \"NaN\", \"Infinity\", \"-Infinity\"; bytes that are not UTF-8 are \\u00XX.\n"
            "--summary replaces each geometry array by {count, min, max, sha256}.\n"
+           "--select and --only keep the tree's groups and only the objects selected.\n"
            "The plug-in is bin/../lib/libvelmora2rnx.so next to velmora, or the file that\n"
            "VELMORA_PLUGIN names.\n"
            "Exit status: 0 dumped; 1 the import produced nothing (the dump is printed with\n"
@@ -61,6 +62,7 @@ CLI::App* DumpCommand::add_to(CLI::App& app, DumpCommand& command)
                   "Replace each geometry array by its count, per-component min and max, and SHA-256");
     cmd->add_flag("--compact", command.compact, "Print the document on one line");
     CommandInputs::add_plugin_option(*cmd, command.options);
+    Selection::add_options(*cmd, command.selection);
     cmd->add_option("file", command.file, "The archive to import")->required()->type_name("FILE.vlm");
     cmd->footer(help_footer());
     return cmd;
@@ -84,6 +86,8 @@ int DumpCommand::run(std::ostream& out, std::ostream& err) const
     }
     doc.options = options_in_force();
     doc.result = outcome == PluginLoader::imported ? 1 : 0;
+    const bool imported_geometry = holds_geometry(sink.top());
+    if (selection.active()) selection.apply(sink.top());
     doc.top = &sink.top();
     DumpWriter(summary, compact).write(out, doc);
     if (outcome == PluginLoader::nothing_imported) {
@@ -92,8 +96,11 @@ int DumpCommand::run(std::ostream& out, std::ostream& err) const
     }
     // Groups alone still count as an import; why their records were skipped
     // (a bound, an option) is said all the same.
-    if (!holds_geometry(sink.top()))
+    if (!imported_geometry) {
         if (const std::string why = no_geometry_imported(file); !why.empty())
             err << "velmora dump: " << file << ": " << why << '\n';
+    } else if (selection.active() && !holds_geometry(sink.top())) {
+        CommandInputs::report(err, "dump", file, "nothing selected: no object matches --select and --only");
+    }
     return exit_success;
 }

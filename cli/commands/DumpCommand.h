@@ -1,11 +1,13 @@
 #pragma once
 // DumpCommand: `velmora dump [--summary] [--compact] [--option NAME=0|1]...
-// FILE.vlm`. Imports the archive through the plug-in as a host does (see
+// [--select PATTERN]... [--only KIND]... FILE.vlm`. Imports the archive through the plug-in as a host does (see
 // PluginLoader.h) and prints what the host received as the canonical JSON
 // dump (see dump/DumpWriter.h).
 #include <ostream>
 #include <string>
 #include <vector>
+
+#include "cli/Selection.h"
 
 namespace CLI {
 class App;
@@ -18,6 +20,8 @@ public:
     std::vector<std::string> options;
     bool summary = false;
     bool compact = false;
+    // --select and --only: the objects kept in the tree.
+    Selection selection;
     // The plug-in to load; empty for PluginLoader::library_path().
     std::string library;
 

@@ -52,6 +52,8 @@ public:
     // The items the walk delivered outside any group: one per translator the
     // host walked.
     const std::vector<std::unique_ptr<DumpItem>>& top() const { return top_; }
+    // The same, to prune once the walk is over (see Selection::apply).
+    std::vector<std::unique_ptr<DumpItem>>& top() { return top_; }
 
     void begin_group(const qorabsAttributeSet& attrs, const utString& mangled, const giXform3& xform) override;
     void end_group() override;

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <limits>
 #include <map>
+#include <set>
 
 #include "cli/Utf8.h"
 #include "cli/writers/ColourPalette.h"
@@ -26,14 +27,14 @@ class ModelBuilder {
 public:
     explicit ModelBuilder(tinygltf::Model& m) : m_(m) { m_.buffers.emplace_back(); }
 
-    int group_node(const SceneGroup& g, bool top, double scale);
+    int group_node(const SceneGroup& g, bool top, double scale, bool y_up, const std::string& name);
     bool too_large() const { return too_large_; }
     // The buffer's room for every view of g, taken before the views are
     // written, so that a large buffer is not copied as it grows.
     void reserve(const SceneGroup& g);
 
 private:
-    int item_node(const SceneItemInfo& info, int mesh);
+    int item_node(const SceneItemInfo& info, int mesh, const std::string& name);
     int mesh(const SceneMesh& mesh);
     int curve(const SceneCurve& curve);
     int cloud(const ScenePointCloud& cloud);
@@ -57,7 +58,8 @@ std::size_t buffer_bytes(const SceneGroup& g)
     for (const SceneGroup& sub : g.groups) n += buffer_bytes(sub);
     for (const SceneMesh& mesh : g.meshes)
         if (mesh.is_valid())
-            n += view_bytes(mesh.vertices.size() * 3 * sizeof(float)) +
+            // Positions, normals and triangles.
+            n += 2 * view_bytes(mesh.vertices.size() * 3 * sizeof(float)) +
                  view_bytes(mesh.triangles.size() * sizeof(mesh.triangles[0]));
     for (const SceneCurve& curve : g.curves) n += view_bytes(curve.sample().size() * 3 * sizeof(float));
     for (const ScenePointCloud& cloud : g.clouds)
@@ -160,6 +162,10 @@ int ModelBuilder::mesh(const SceneMesh& mesh)
     tinygltf::Primitive p;
     p.mode = TINYGLTF_MODE_TRIANGLES;
     p.attributes["POSITION"] = positions(mesh.vertices);
+    const std::vector<std::array<float, 3>> normals = GltfWriter::vertex_normals(mesh);
+    p.attributes["NORMAL"] =
+        accessor(view(normals.data(), normals.size() * sizeof(normals[0]), 0, TINYGLTF_TARGET_ARRAY_BUFFER),
+                 TINYGLTF_COMPONENT_TYPE_FLOAT, TINYGLTF_TYPE_VEC3, normals.size(), false);
     const int v = view(mesh.triangles.data(), mesh.triangles.size() * sizeof(mesh.triangles[0]), 0,
                        TINYGLTF_TARGET_ELEMENT_ARRAY_BUFFER);
     p.indices = accessor(v, TINYGLTF_COMPONENT_TYPE_UNSIGNED_INT, TINYGLTF_TYPE_SCALAR,
@@ -199,14 +205,15 @@ int ModelBuilder::cloud(const ScenePointCloud& cloud)
     return primitive_mesh(std::move(p), cloud.info.name);
 }
 
-int ModelBuilder::item_node(const SceneItemInfo& info, int mesh)
+int ModelBuilder::item_node(const SceneItemInfo& info, int mesh, const std::string& name)
 {
     tinygltf::Node n;
-    n.name = GltfWriter::utf8(info.name);
+    n.name = name;
     n.mesh = mesh;
     tinygltf::Value::Object extras{{"mangled", text(info.mangled)},
                                    {"layer", text(info.layer)},
                                    {"level", tinygltf::Value(info.level)}};
+    if (name != GltfWriter::utf8(info.name)) extras["name"] = text(info.name);
     if (info.colour != SceneItemInfo::no_colour) extras["colour"] = tinygltf::Value(info.colour);
     n.extras = tinygltf::Value(extras);
     m_.nodes.push_back(std::move(n));
@@ -226,35 +233,54 @@ void place(tinygltf::Node& n, const ScenePlacement& m)
     }
 }
 
-int ModelBuilder::group_node(const SceneGroup& g, bool top, double scale)
+int ModelBuilder::group_node(const SceneGroup& g, bool top, double scale, bool y_up, const std::string& name)
 {
-    std::vector<int> children;
+    std::vector<std::string> given;
     for (const SceneMember& member : g.members) {
         switch (member.kind) {
-        case SceneMember::group: children.push_back(group_node(g.groups[member.index], false, scale)); break;
+        case SceneMember::group: given.push_back(g.groups[member.index].name); break;
+        case SceneMember::mesh: given.push_back(g.meshes[member.index].info.name); break;
+        case SceneMember::curve: given.push_back(g.curves[member.index].info.name); break;
+        case SceneMember::cloud: given.push_back(g.clouds[member.index].info.name); break;
+        }
+    }
+    const std::vector<std::string> names = GltfWriter::unique_names(given);
+    std::vector<int> children;
+    for (std::size_t k = 0; k < g.members.size(); ++k) {
+        const SceneMember& member = g.members[k];
+        switch (member.kind) {
+        case SceneMember::group:
+            children.push_back(group_node(g.groups[member.index], false, scale, y_up, names[k]));
+            break;
         case SceneMember::mesh: {
             const SceneMesh& x = g.meshes[member.index];
-            children.push_back(item_node(x.info, mesh(x)));
+            children.push_back(item_node(x.info, mesh(x), names[k]));
             break;
         }
         case SceneMember::curve: {
             const SceneCurve& x = g.curves[member.index];
-            children.push_back(item_node(x.info, curve(x)));
+            children.push_back(item_node(x.info, curve(x), names[k]));
             break;
         }
         case SceneMember::cloud: {
             const ScenePointCloud& x = g.clouds[member.index];
-            children.push_back(item_node(x.info, cloud(x)));
+            children.push_back(item_node(x.info, cloud(x), names[k]));
             break;
         }
         }
     }
     tinygltf::Node n;
-    n.name = GltfWriter::utf8(g.name);
+    n.name = name;
     n.children = std::move(children);
     place(n, g.placement);
     if (top && scale != 1.0) n.scale = {scale, scale, scale};
-    if (!top) n.extras = tinygltf::Value(tinygltf::Value::Object{{"mangled", text(g.mangled)}});
+    // A quarter turn about x: the archive's z becomes glTF's y.
+    if (top && y_up) n.rotation = {-std::sqrt(0.5), 0.0, 0.0, std::sqrt(0.5)};
+    if (!top) {
+        tinygltf::Value::Object extras{{"mangled", text(g.mangled)}};
+        if (name != GltfWriter::utf8(g.name)) extras["name"] = text(g.name);
+        n.extras = tinygltf::Value(extras);
+    }
     m_.nodes.push_back(std::move(n));
     return static_cast<int>(m_.nodes.size()) - 1;
 }
@@ -263,29 +289,80 @@ int ModelBuilder::group_node(const SceneGroup& g, bool top, double scale)
 
 std::string GltfWriter::utf8(const std::string& bytes)
 {
-    std::string out;
-    for (std::size_t i = 0; i < bytes.size();) {
-        if (const std::size_t len = Utf8::sequence_length(bytes, i); len > 0) {
-            out.append(bytes, i, len);
-            i += len;
+    return Utf8::from_bytes(bytes);
+}
+
+std::vector<std::array<float, 3>> GltfWriter::vertex_normals(const SceneMesh& mesh)
+{
+    std::vector<std::array<double, 3>> sum(mesh.vertices.size(), {0.0, 0.0, 0.0});
+    for (const auto& t : mesh.triangles) {
+        if (t[0] >= sum.size() || t[1] >= sum.size() || t[2] >= sum.size()) continue;
+        const ScenePoint& a = mesh.vertices[t[0]];
+        const ScenePoint& b = mesh.vertices[t[1]];
+        const ScenePoint& c = mesh.vertices[t[2]];
+        const double u[3] = {b[0] - a[0], b[1] - a[1], b[2] - a[2]};
+        const double v[3] = {c[0] - a[0], c[1] - a[1], c[2] - a[2]};
+        // The cross product's length is twice the triangle's area: its
+        // weight comes with it.
+        const double n[3] = {u[1] * v[2] - u[2] * v[1], u[2] * v[0] - u[0] * v[2], u[0] * v[1] - u[1] * v[0]};
+        for (std::uint32_t i : t)
+            for (int k = 0; k < 3; ++k) sum[i][static_cast<std::size_t>(k)] += n[k];
+    }
+    std::vector<std::array<float, 3>> out;
+    out.reserve(sum.size());
+    for (const auto& n : sum) {
+        const double len = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
+        if (!(len > 0.0) || !std::isfinite(len)) {
+            out.push_back({0.0f, 0.0f, 1.0f});
             continue;
         }
-        // The byte read as Latin-1: the character of its own value.
-        const auto b = static_cast<unsigned char>(bytes[i++]);
-        out += static_cast<char>(0xC0 | (b >> 6));
-        out += static_cast<char>(0x80 | (b & 0x3F));
+        out.push_back({static_cast<float>(n[0] / len), static_cast<float>(n[1] / len), static_cast<float>(n[2] / len)});
+    }
+    return out;
+}
+
+std::vector<std::string> GltfWriter::unique_names(const std::vector<std::string>& names)
+{
+    std::vector<std::string> out;
+    std::set<std::string> taken;
+    for (const std::string& n : names) taken.insert(utf8(n));
+    std::map<std::string, int> seen;
+    for (const std::string& given : names) {
+        const std::string n = utf8(given);
+        int& count = seen[n];
+        if (++count == 1) {
+            out.push_back(n);
+            continue;
+        }
+        // The next number whose name no sibling has.
+        std::string candidate;
+        do candidate = n + " (" + std::to_string(count++) + ")";
+        while (taken.count(candidate) > 0);
+        --count;
+        taken.insert(candidate);
+        out.push_back(candidate);
     }
     return out;
 }
 
 std::string GltfWriter::write(const Scene& scene, double scale, bool binary, std::ostream& out)
 {
+    return write(scene, scale, binary, out, true);
+}
+
+std::string GltfWriter::write(const Scene& scene, double scale, bool binary, std::ostream& out, bool y_up)
+{
     tinygltf::Model m;
     m.asset.version = "2.0";
     m.asset.generator = "velmora convert";
+    tinygltf::Value::Object options;
+    for (const auto& [name, value] : scene.options) options[utf8(name)] = tinygltf::Value(value);
+    m.asset.extras = tinygltf::Value(tinygltf::Value::Object{{"archive", text(scene.archive)},
+                                                             {"import_options", tinygltf::Value(options)},
+                                                             {"up", tinygltf::Value(std::string(y_up ? "y" : "z"))}});
     ModelBuilder builder(m);
     builder.reserve(scene.top);
-    const int root = builder.group_node(scene.top, true, scale);
+    const int root = builder.group_node(scene.top, true, scale, y_up, utf8(scene.top.name));
     if (builder.too_large()) return "the geometry is too large for one glTF buffer";
     tinygltf::Scene s;
     s.name = utf8(scene.top.name);

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 
+#include "cli/Utf8.h"
 #include "cli/writers/ColourPalette.h"
 #include "cli/writers/SceneText.h"
 
@@ -23,8 +24,8 @@ std::string path_token(const std::vector<std::string>& path, const std::string& 
 
 void vertex(std::ostream& out, const ScenePoint& p, const Rgb& c)
 {
-    out << "v " << SceneText::number(p[0]) << ' ' << SceneText::number(p[1]) << ' '
-        << SceneText::number(p[2]) << ' ' << SceneText::fraction(c[0]) << ' '
+    out << "v " << SceneText::number(static_cast<float>(p[0])) << ' ' << SceneText::number(static_cast<float>(p[1]))
+        << ' ' << SceneText::number(static_cast<float>(p[2])) << ' ' << SceneText::fraction(c[0]) << ' '
         << SceneText::fraction(c[1]) << ' ' << SceneText::fraction(c[2]) << '\n';
 }
 
@@ -68,7 +69,7 @@ void item(std::ostream& out, const ScenePlacedItem& it, std::size_t& next)
 std::string ObjWriter::token(const std::string& name)
 {
     if (name.empty()) return "unnamed";
-    std::string s = name;
+    std::string s = Utf8::from_bytes(name);
     for (char& c : s) {
         const unsigned char u = static_cast<unsigned char>(c);
         if (u <= 0x20 || u == 0x7F) c = '_';

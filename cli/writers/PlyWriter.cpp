@@ -26,7 +26,7 @@ struct Elements {
     std::vector<std::string> comments;
 };
 
-void gather(const ScenePlacedItem& it, Elements& e)
+void gather(const ScenePlacedItem& it, bool curves, Elements& e)
 {
     const std::uint64_t base = e.vertices.size();
     const std::size_t faces = e.faces.size(), edges = e.edges.size();
@@ -36,6 +36,8 @@ void gather(const ScenePlacedItem& it, Elements& e)
         const auto c = ColourPalette::colour(it.mesh->info.colour);
         for (const ScenePoint& p : it.mesh->vertices) e.vertices.push_back({scene_apply(it.world, p), c});
         for (const auto& t : it.mesh->triangles) e.faces.push_back({base + t[0], base + t[1], base + t[2]});
+    } else if (it.curve && !curves) {
+        // Left out, but still named among the comments.
     } else if (it.curve) {
         const auto c = ColourPalette::colour(it.curve->info.colour);
         const std::vector<ScenePoint> line = it.curve->sample();
@@ -65,33 +67,37 @@ void put(std::ostream& out, T v)
     out.write(b, sizeof(T));
 }
 
-void header(std::ostream& out, const Scene& scene, double scale, const Elements& e)
+void header(std::ostream& out, const Scene& scene, double scale, bool curves, const Elements& e)
 {
     out << "ply\nformat binary_little_endian 1.0\n"
         << "comment " << ObjWriter::token(scene.top.name) << ", written by velmora convert\n"
         << "comment coordinates: millimetres times " << SceneText::number(scale) << '\n';
     for (const std::string& c : e.comments) out << "comment object " << c << '\n';
     out << "element vertex " << e.vertices.size() << '\n'
-        << "property double x\nproperty double y\nproperty double z\n"
+        << "property float x\nproperty float y\nproperty float z\n"
         << "property uchar red\nproperty uchar green\nproperty uchar blue\n"
         << "element face " << e.faces.size() << '\n'
-        << "property list uchar int vertex_indices\n"
-        << "element edge " << e.edges.size() << '\n'
-        << "property int vertex1\nproperty int vertex2\n"
-        << "end_header\n";
+        << "property list uchar int vertex_indices\n";
+    if (curves) out << "element edge " << e.edges.size() << '\n' << "property int vertex1\nproperty int vertex2\n";
+    out << "end_header\n";
 }
 
 } // namespace
 
 std::string PlyWriter::write(const Scene& scene, double scale, std::ostream& out)
 {
+    return write(scene, scale, out, false);
+}
+
+std::string PlyWriter::write(const Scene& scene, double scale, std::ostream& out, bool curves)
+{
     Elements e;
-    for (const ScenePlacedItem& it : scene.placed_items(scale)) gather(it, e);
+    for (const ScenePlacedItem& it : scene.placed_items(scale)) gather(it, curves, e);
     if (e.vertices.size() > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max()))
         return "too many vertices for PLY's int indices";
-    header(out, scene, scale, e);
+    header(out, scene, scale, curves, e);
     for (const Vertex& v : e.vertices) {
-        for (double x : v.p) put(out, x);
+        for (double x : v.p) put(out, static_cast<float>(x));
         for (std::uint8_t c : v.c) put(out, c);
     }
     for (const auto& f : e.faces) {

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 using ScenePoint = std::array<double, 3>;
@@ -132,6 +133,10 @@ struct Scene {
     // is the scene's (the writers name the file's root after it) and its
     // placement stays the identity.
     SceneGroup top;
+    // Where the scene came from, for the writers that can say so: the
+    // archive's file name and each import option with the value in force.
+    std::string archive;
+    std::vector<std::pair<std::string, int>> options;
 
     // Every mesh, curve and cloud in the order of the walk, each placed in the
     // world and scaled by scale.

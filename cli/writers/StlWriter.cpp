@@ -6,6 +6,8 @@
 #include <cstring>
 #include <limits>
 
+#include "cli/Utf8.h"
+
 static_assert(std::endian::native == std::endian::little, "STL is written little-endian byte for byte");
 
 namespace {
@@ -43,7 +45,13 @@ std::string StlWriter::write(const Scene& scene, double scale, std::ostream& out
         if (it.mesh && it.mesh->is_valid()) count += it.mesh->triangles.size();
     if (count > std::numeric_limits<std::uint32_t>::max()) return "too many triangles for binary STL";
     // A header that began with "solid" would pass for ASCII STL with some readers.
-    std::string head = "velmora convert: " + scene.top.name;
+    std::string head = "velmora convert: " + Utf8::from_bytes(scene.top.name);
+    // Cut only between characters, so the header stays valid UTF-8.
+    std::size_t keep = 0;
+    for (std::size_t len; keep < head.size() && (len = Utf8::sequence_length(head, keep)) > 0 &&
+                          keep + len <= header_size;)
+        keep += len;
+    head.resize(keep);
     head.resize(header_size, ' ');
     out.write(head.data(), static_cast<std::streamsize>(header_size));
     put(out, static_cast<std::uint32_t>(count));

@@ -46,3 +46,11 @@ TEST(Utf8, SequenceLength_StrayOrCutOffBytesAreNotValid)
     EXPECT_EQ(Utf8::sequence_length("\xC3" "a", 0), 0u);
     EXPECT_EQ(Utf8::sequence_length("\xE2\x82" "a", 0), 0u);
 }
+
+TEST(Utf8, FromBytes_KeepsValidTextAndReadsOtherBytesAsLatin1)
+{
+    EXPECT_EQ(Utf8::from_bytes("Fu\xC3\x9F"), "Fu\xC3\x9F");
+    EXPECT_EQ(Utf8::from_bytes("Fu\xDF"), "Fu\xC3\x9F");
+    EXPECT_EQ(Utf8::from_bytes("\xE2\x82"), "\xC3\xA2\xC2\x82");
+    EXPECT_EQ(Utf8::from_bytes(std::string_view("a\0b", 3)), std::string("a\0b", 3));
+}

@@ -51,3 +51,22 @@ if(Python3_Interpreter_FOUND AND TARGET velmora2rnx AND TARGET make_demo_archive
                        PROPERTIES TIMEOUT 300)
   set_tests_properties(convert_gltf_validator_passes_the_converted_demo PROPERTIES SKIP_RETURN_CODE 77)
 endif()
+
+# Closed insoles checked by admesh, and the demo's OBJ, PLY and STL read by
+# meshio against the dump's counts. Both need Debian's python3 (numpy,
+# meshio), which is /usr/bin/python3 whatever python3 comes first on PATH.
+if(EXISTS /usr/bin/python3)
+  set(system_python /usr/bin/python3)
+else()
+  set(system_python ${Python3_EXECUTABLE})
+endif()
+if(system_python AND TARGET velmora2rnx AND TARGET make_demo_archive)
+  add_test(NAME convert_admesh_finds_every_demo_insole_closed
+           COMMAND ${system_python} ${CMAKE_CURRENT_SOURCE_DIR}/convert_solid_admesh.py
+                   $<TARGET_FILE:velmora> $<TARGET_FILE:make_demo_archive> ${CMAKE_BINARY_DIR}/convert-external/admesh)
+  add_test(NAME convert_meshio_reads_the_dumps_counts
+           COMMAND ${system_python} ${CMAKE_CURRENT_SOURCE_DIR}/convert_meshio.py
+                   $<TARGET_FILE:velmora> $<TARGET_FILE:make_demo_archive> ${CMAKE_BINARY_DIR}/convert-external/meshio)
+  set_tests_properties(convert_admesh_finds_every_demo_insole_closed convert_meshio_reads_the_dumps_counts
+                       PROPERTIES TIMEOUT 300)
+endif()

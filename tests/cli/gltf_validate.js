@@ -25,7 +25,8 @@ async function main(argv) {
                     `${n.numInfos} infos, ${n.numHints} hints`);
         for (const m of n.messages)
             console.log(`  [${m.severity}] ${m.code} ${m.pointer || ''}: ${m.message}`);
-        errors += n.numErrors;
+        // A warning (a normal not of unit length, say) fails the check as an error does.
+        errors += n.numErrors + n.numWarnings;
     }
     return errors > 0 ? 1 : 0;
 }

@@ -6,13 +6,20 @@
 #include <gtest/gtest.h>
 #include <tiny_gltf.h>
 
+#include <cmath>
 #include <cstdlib>
+#include <cstring>
+#include <map>
+#include <sstream>
 #include <filesystem>
 #include <fstream>
 
 #include "cli/ExitCode.h"
 #include "cli/PluginLoader.h"
 #include "tests/cli/commandLineRun.h"
+#include "tests/support/contourText.h"
+#include "tests/support/demoArchive.h"
+#include "tests/support/vlmWriter.h"
 
 namespace {
 
@@ -48,11 +55,49 @@ protected:
         return std::string(std::istreambuf_iterator<char>(in), {});
     }
 
+    static std::vector<std::string> lines_starting(const std::string& text, const std::string& prefix)
+    {
+        std::vector<std::string> out;
+        std::istringstream in(text);
+        for (std::string line; std::getline(in, line);)
+            if (line.rfind(prefix, 0) == 0) out.push_back(line);
+        return out;
+    }
+
     static int count_lines(const std::string& s) { return static_cast<int>(std::count(s.begin(), s.end(), '\n')); }
 
     fs::path dir_;
     std::string archive_;
 };
+
+// Edges of a binary STL file by the coordinates of their ends, as a
+// reader without indices sees them: how many are used by one facet only, and
+// how many are used otherwise than once each way.
+struct StlEdges {
+    std::size_t facets = 0, open = 0, bad = 0;
+};
+
+StlEdges stl_edges(const std::string& bytes)
+{
+    using P = std::array<float, 3>;
+    StlEdges e;
+    if (bytes.size() < 84) return e;
+    std::uint32_t n = 0;
+    std::memcpy(&n, bytes.data() + 80, 4);
+    e.facets = n;
+    std::map<std::pair<P, P>, int> directed;
+    for (std::uint32_t k = 0; k < n && 84 + 50 * (k + 1) <= bytes.size(); ++k) {
+        P v[3];
+        std::memcpy(v, bytes.data() + 84 + 50 * k + 12, sizeof v);
+        for (int i = 0; i < 3; ++i) ++directed[{v[i], v[(i + 1) % 3]}];
+    }
+    for (const auto& [d, count] : directed) {
+        const auto back = directed.find({d.second, d.first});
+        if (back == directed.end()) ++e.open;
+        else if (count != 1 || back->second != 1) ++e.bad;
+    }
+    return e;
+}
 
 tinygltf::Model load(const std::string& p)
 {
@@ -84,6 +129,28 @@ TEST_F(ConvertCommandTest, Glb_HoldsTheImportedTreeUnderAMillimetreToMetreRoot)
     EXPECT_EQ(m.meshes.size(), 3u);
 }
 
+TEST_F(ConvertCommandTest, Glb_TurnsZUpToYUpAndNamesTheArchiveAndOptionsInForce)
+{
+    ASSERT_EQ(velmora({"convert", "--option", "vmiOptProcessImageData=0", archive_, "-o", path("out.glb")}).status,
+              exit_success);
+    const tinygltf::Model m = load(path("out.glb"));
+    const tinygltf::Node& root = m.nodes[static_cast<std::size_t>(m.scenes.at(0).nodes.at(0))];
+    ASSERT_EQ(root.rotation.size(), 4u);
+    EXPECT_DOUBLE_EQ(root.rotation[0], -std::sqrt(0.5));
+    EXPECT_EQ(m.asset.extras.Get("archive").Get<std::string>(), "design.vlm");
+    const tinygltf::Value& o = m.asset.extras.Get("import_options");
+    EXPECT_EQ(o.Get("vmiOptProcessImageData").GetNumberAsInt(), 0);
+    EXPECT_EQ(o.Get("vmiOptProcessScanData").GetNumberAsInt(), 1);
+    EXPECT_EQ(o.Get("vmiOptProcessOrthoticData").GetNumberAsInt(), 1);
+
+    ASSERT_EQ(velmora({"convert", "--up", "z", archive_, "-o", path("z.glb")}).status, exit_success);
+    const tinygltf::Model z = load(path("z.glb"));
+    EXPECT_TRUE(z.nodes[static_cast<std::size_t>(z.scenes.at(0).nodes.at(0))].rotation.empty());
+    const RunResult bad = velmora({"convert", "--up", "x", archive_, "-o", path("x.glb")});
+    EXPECT_EQ(bad.status, exit_usage);
+    EXPECT_EQ(bad.err.rfind("velmora convert: --up x", 0), 0u) << bad.err;
+}
+
 TEST_F(ConvertCommandTest, Scale_ReplacesTheGltfDefault)
 {
     ASSERT_EQ(velmora({"convert", "--scale", "1", archive_, "-o", path("out.gltf")}).status, exit_success);
@@ -107,7 +174,12 @@ TEST_F(ConvertCommandTest, Obj_FlattensPlacementsInMillimetres)
 TEST_F(ConvertCommandTest, PlyAndStl_AreWritten)
 {
     ASSERT_EQ(velmora({"convert", archive_, "-o", path("out.ply")}).status, exit_success);
-    EXPECT_NE(read(path("out.ply")).find("element vertex 9\n"), std::string::npos);
+    // The grid's 4 vertices and the cloud's 2 points; the curve only when asked.
+    EXPECT_NE(read(path("out.ply")).find("element vertex 6\n"), std::string::npos);
+    EXPECT_EQ(read(path("out.ply")).find("element edge"), std::string::npos);
+    ASSERT_EQ(velmora({"convert", "--curves", archive_, "-o", path("out.ply")}).status, exit_success);
+    EXPECT_NE(read(path("out.ply")).find("element vertex 9\nproperty float x\n"), std::string::npos);
+    EXPECT_NE(read(path("out.ply")).find("element edge 2\n"), std::string::npos);
     ASSERT_EQ(velmora({"convert", archive_, "-o", path("out.stl")}).status, exit_success);
     EXPECT_EQ(read(path("out.stl")).size(), 80u + 4u + 2u * 50u);
 }
@@ -216,6 +288,21 @@ TEST_F(ConvertCommandTest, Help_SaysUnitsSamplingAndPalette)
     EXPECT_NE(r.out.find("3 green"), std::string::npos);
 }
 
+TEST_F(ConvertCommandTest, Help_ExplainsEveryOptionOfSelectionSolidsSplitAndFormats)
+{
+    const RunResult r = velmora({"convert", "--help"});
+    EXPECT_EQ(r.status, exit_success);
+    for (const char* text : {"--select PATTERN", "* also spans /", "--only KIND", "insoles (the FINISH_MODEL meshes)",
+                             "--solid", "default for .stl and for --only insoles", "--no-solid", "--up AXIS",
+                             "Y up", "--curves", "--split DIR", "manifest.json", "--format EXT", "left_out",
+                             "The floor plane is z = 0", "float32", "UTF-8"})
+        EXPECT_NE(r.out.find(text), std::string::npos) << text;
+    const RunResult d = velmora({"dump", "--help"});
+    EXPECT_EQ(d.status, exit_success);
+    for (const char* text : {"--select PATTERN", "--only KIND", "keep the tree's groups"})
+        EXPECT_NE(d.out.find(text), std::string::npos) << text;
+}
+
 TEST(ConvertCommand, FormatOf_ReadsTheExtensionInAnyCase)
 {
     EXPECT_EQ(ConvertCommand::format_of("a.GLB"), ConvertCommand::Format::glb);
@@ -237,4 +324,168 @@ TEST_F(ConvertCommandTest, RealPlugin_FileThatIsNotAnArchiveImportsNothing)
     const RunResult r = velmora({"convert", text, "-o", path("out.glb")});
     EXPECT_EQ(r.status, exit_nothing_imported);
     EXPECT_EQ(r.err, "velmora convert: " + text + ": nothing imported: not a ZIP archive the unzip service can open\n");
+}
+
+TEST_F(ConvertCommandTest, Select_WritesOnlyTheObjectsOnMatchingPaths)
+{
+    ASSERT_EQ(velmora({"convert", "--select", "*/VelmScan(A)/SCAN*", archive_, "-o", path("out.obj")}).status,
+              exit_success);
+    const std::string obj = read(path("out.obj"));
+    EXPECT_NE(obj.find("g VelmScan(A)_SCAN_(LEFT)_1\n"), std::string::npos);
+    EXPECT_EQ(obj.find("PCIM_2"), std::string::npos);
+    EXPECT_EQ(obj.find("LIMIT~1"), std::string::npos);
+    // A group's path selects what it holds; the glTF tree keeps only the
+    // groups on the way to a kept object.
+    ASSERT_EQ(velmora({"convert", "--select", "Data Base/PCS models(B)", archive_, "-o", path("out.glb")}).status,
+              exit_success);
+    const tinygltf::Model m = load(path("out.glb"));
+    std::vector<std::string> names;
+    for (const tinygltf::Node& n : m.nodes) names.push_back(n.name);
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{"Data Base", "LIMIT~1", "PCS models(B)", "design"}));
+}
+
+TEST_F(ConvertCommandTest, Only_KeepsTheKindsNamedInEveryFormat)
+{
+    ASSERT_EQ(velmora({"convert", "--only", "images", archive_, "-o", path("out.ply")}).status, exit_success);
+    EXPECT_NE(read(path("out.ply")).find("element vertex 2\n"), std::string::npos);
+    EXPECT_NE(read(path("out.ply")).find("element face 0\n"), std::string::npos);
+    ASSERT_EQ(velmora({"convert", "--only", "scans", archive_, "-o", path("out.stl")}).status, exit_success);
+    EXPECT_EQ(read(path("out.stl")).size(), 80u + 4u + 2u * 50u);
+    ASSERT_EQ(velmora({"convert", "--only", "outlines,images", archive_, "-o", path("out.obj")}).status, exit_success);
+    const std::string obj = read(path("out.obj"));
+    EXPECT_EQ(obj.find("SCAN_(LEFT)_1"), std::string::npos);
+    EXPECT_NE(obj.find("LIMIT~1"), std::string::npos);
+    EXPECT_NE(obj.find("PCIM_2"), std::string::npos);
+    const RunResult bad = velmora({"convert", "--only", "pads", archive_, "-o", path("x.obj")});
+    EXPECT_EQ(bad.status, exit_usage);
+    EXPECT_EQ(bad.err.rfind("velmora convert: --only pads", 0), 0u) << bad.err;
+}
+
+TEST_F(ConvertCommandTest, SelectionThatKeepsNothing_ExitsOneAndWritesNothing)
+{
+    const RunResult r =
+        velmora({"convert", "--select", "*/VelmScan(A)/*", "--only", "outlines", archive_, "-o", path("out.glb")});
+    EXPECT_EQ(r.status, exit_nothing_imported);
+    EXPECT_EQ(r.err, "velmora convert: " + archive_ + ": nothing selected: no object matches --select and --only\n");
+    EXPECT_FALSE(fs::exists(path("out.glb")));
+}
+
+TEST_F(ConvertCommandTest, Solid_InsolesAreClosedInStlByDefaultAndOpenWithNoSolid)
+{
+    const std::string plugin = std::string(VELMORA_BINARY_DIR) + "/lib/" + PluginLoader::library_file;
+    if (!fs::exists(plugin)) GTEST_SKIP() << plugin << " is not built";
+    setenv("VELMORA_PLUGIN", plugin.c_str(), 1);
+    const std::string demo = path("demo.vlm");
+    ASSERT_TRUE(vlm::demo::write_archive(demo));
+    const std::vector<std::string> insole = {"--select", "*/FINISH_MODEL~1"};
+    const auto convert = [&](std::vector<std::string> args, const std::string& out) {
+        args.insert(args.begin(), "convert");
+        args.insert(args.end(), insole.begin(), insole.end());
+        args.insert(args.end(), {demo, "-o", path(out)});
+        return velmora(args).status;
+    };
+    ASSERT_EQ(convert({}, "default.stl"), exit_success);
+    const StlEdges solid = stl_edges(read(path("default.stl")));
+    EXPECT_GT(solid.facets, 1000u);
+    EXPECT_EQ(solid.open, 0u);
+    EXPECT_EQ(solid.bad, 0u);
+    ASSERT_EQ(convert({"--no-solid"}, "open.stl"), exit_success);
+    const StlEdges open = stl_edges(read(path("open.stl")));
+    EXPECT_GT(open.open, 0u);
+    // --only insoles closes them in every format; --no-solid still wins.
+    ASSERT_EQ(convert({"--only", "insoles"}, "only.obj"), exit_success);
+    ASSERT_EQ(convert({}, "plain.obj"), exit_success);
+    ASSERT_EQ(convert({"--only", "insoles", "--no-solid"}, "open.obj"), exit_success);
+    const auto faces = [&](const std::string& f) { return lines_starting(read(path(f)), "f ").size(); };
+    EXPECT_EQ(faces("only.obj"), solid.facets);
+    EXPECT_EQ(faces("plain.obj"), open.facets);
+    EXPECT_EQ(faces("open.obj"), open.facets);
+    ASSERT_EQ(convert({"--solid"}, "solid.glb"), exit_success);
+    const tinygltf::Model m = load(path("solid.glb"));
+    ASSERT_EQ(m.meshes.size(), 1u);
+    EXPECT_EQ(m.accessors.at(static_cast<std::size_t>(m.meshes[0].primitives[0].indices)).count, 3 * solid.facets);
+    const RunResult both = velmora({"convert", "--solid", "--no-solid", demo, "-o", path("x.stl")});
+    EXPECT_EQ(both.status, exit_usage);
+}
+
+TEST_F(ConvertCommandTest, Split_WritesOneFilePerObjectAndAManifest)
+{
+    const RunResult r = velmora({"convert", archive_, "--split", path("parts"), "--format", "obj"});
+    ASSERT_EQ(r.status, exit_success) << r.err;
+    EXPECT_EQ(r.err, "");
+    for (const char* f : {"Data_Base--VelmScan(A)--SCAN_(LEFT)_1.obj", "Data_Base--VelmScan(A)--PCIM_2.obj",
+                          "Data_Base--PCS_models(B)--LIMIT~1.obj", "manifest.json"})
+        EXPECT_TRUE(fs::exists(path("parts/") + f)) << f;
+    const std::string scan = read(path("parts/Data_Base--VelmScan(A)--SCAN_(LEFT)_1.obj"));
+    EXPECT_NE(scan.find("g VelmScan(A)_SCAN_(LEFT)_1\n"), std::string::npos);
+    EXPECT_EQ(scan.find("LIMIT"), std::string::npos);
+    const std::string manifest = read(path("parts/manifest.json"));
+    EXPECT_NE(manifest.find("\"path\": \"Data Base/VelmScan(A)/SCAN_(LEFT)_1\""), std::string::npos);
+    EXPECT_NE(manifest.find("\"kind\": \"outline\""), std::string::npos);
+}
+
+TEST_F(ConvertCommandTest, Split_InStlByDefaultLeavesOutWhatStlCannotHold)
+{
+    ASSERT_EQ(velmora({"convert", archive_, "--split", path("parts")}).status, exit_success);
+    EXPECT_TRUE(fs::exists(path("parts/Data_Base--VelmScan(A)--SCAN_(LEFT)_1.stl")));
+    EXPECT_FALSE(fs::exists(path("parts/Data_Base--PCS_models(B)--LIMIT~1.stl")));
+    EXPECT_NE(read(path("parts/manifest.json")).find("\"left_out\": [\n    \"Data Base/VelmScan(A)/PCIM_2\",\n"),
+              std::string::npos);
+    const RunResult none = velmora({"convert", archive_, "--only", "outlines", "--split", path("none")});
+    EXPECT_EQ(none.status, exit_nothing_imported);
+    EXPECT_EQ(none.err, "velmora convert: " + path("none") + ": nothing written: stl holds none of the objects\n");
+}
+
+TEST_F(ConvertCommandTest, OutputOrSplit_ExactlyOneIsNeeded)
+{
+    const RunResult neither = velmora({"convert", archive_});
+    EXPECT_EQ(neither.status, exit_usage);
+    EXPECT_EQ(neither.err, "velmora convert: -o OUT or --split DIR is needed (see velmora --help)\n");
+    EXPECT_EQ(velmora({"convert", archive_, "-o", path("a.obj"), "--split", path("d")}).status, exit_usage);
+    EXPECT_EQ(velmora({"convert", archive_, "--split", path("d"), "--format", "dxf"}).status, exit_usage);
+}
+
+TEST_F(ConvertCommandTest, Latin1Names_AreWrittenAsUtf8AndSelectedByUtf8Patterns)
+{
+    const std::string plugin = std::string(VELMORA_BINARY_DIR) + "/lib/" + PluginLoader::library_file;
+    if (!fs::exists(plugin)) GTEST_SKIP() << plugin << " is not built";
+    setenv("VELMORA_PLUGIN", plugin.c_str(), 1);
+    vlm::height_grid g;
+    g.nx = 4;
+    g.ny = 3;
+    g.codes.assign(12, 10);
+    vlm::archive a;
+    a.add("VLM00005.dat", vlm::chunk_chain(vlm::grid_entry(g), 300));
+    a.add("VLM00008.dat", vlm::chunk_chain(vlm::small_design(), 1000));
+    a.add("00000.vlk", vlm::catalogue()
+                           .header("Velmora")
+                           .separator()
+                           .level1("M\xFCller", "J\xFCrgen")
+                           .level2("2021-03-01", "Erstpr\xFC" "fung")
+                           .level3(1, 1, 0, 101, "20210301", "scan", "", 5)
+                           .level3(3, 4, 1, 1, "20210304", "model", "", 8)
+                           .text());
+    const std::string archive = path("latin1.vlm");
+    ASSERT_TRUE(a.write(archive));
+    const RunResult r = velmora({"convert", "--select", "*/M\xC3\xBCller,J\xC3\xBCrgen/*/VelmScan(*", archive, "-o",
+                                 path("out.obj")});
+    ASSERT_EQ(r.status, exit_success) << r.err;
+    const std::string obj = read(path("out.obj"));
+    EXPECT_NE(obj.find("# in Data_Base/M\xC3\xBCller,J\xC3\xBCrgen/Erstpr\xC3\xBC" "fung"), std::string::npos) << obj.substr(0, 400);
+    EXPECT_EQ(obj.find("FINISH_MODEL"), std::string::npos);
+    EXPECT_EQ(obj.find('\xFC'), std::string::npos);
+    // The insole of the same archive, closed, split into a file named in UTF-8.
+    ASSERT_EQ(velmora({"convert", "--only", "insoles", archive, "--split", path("parts")}).status, exit_success);
+    std::size_t stl = 0;
+    for (const auto& e : fs::directory_iterator(path("parts"))) {
+        if (e.path().extension() != ".stl") continue;
+        ++stl;
+        EXPECT_NE(e.path().filename().string().find("M\xC3\xBCller,J\xC3\xBCrgen--Erstpr\xC3\xBC" "fung"), std::string::npos);
+        const StlEdges edges = stl_edges(read(e.path().string()));
+        EXPECT_GT(edges.facets, 0u);
+        EXPECT_EQ(edges.open, 0u);
+        EXPECT_EQ(edges.bad, 0u);
+    }
+    EXPECT_EQ(stl, 1u);
 }

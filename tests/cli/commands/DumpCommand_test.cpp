@@ -276,3 +276,42 @@ TEST(DumpCommandExit, NoFile_WrongUsage)
     EXPECT_EQ(r.status, 2);
     EXPECT_EQ(lines(r.err), 1);
 }
+
+TEST_F(DumpCommandRun, Only_KeepsTheTreeShapeAndTheSelectedLeaves)
+{
+    const CommandRun all = velmora({"--summary", path_});
+    const CommandRun scans = velmora({"--summary", "--only", "scans", path_});
+    ASSERT_EQ(scans.status, 0) << scans.err;
+    EXPECT_EQ(scans.err, "");
+    const json a = json::parse(all.out)["root"], s = json::parse(scans.out)["root"];
+    EXPECT_EQ(count_type(s, "group"), count_type(a, "group"));
+    EXPECT_EQ(count_type(s, "triblock"), 2);
+    EXPECT_EQ(count_type(s, "curve"), 0);
+    EXPECT_TRUE(has_name(s, "SCAN_(RIGHT)_20210303"));
+    EXPECT_FALSE(has_name(s, "FINISH_MODEL~0"));
+}
+
+TEST_F(DumpCommandRun, Select_KeepsWhatIsInsideAMatchingGroup)
+{
+    const CommandRun r = velmora({"--summary", "--select", "*/PCS models(*", path_});
+    ASSERT_EQ(r.status, 0) << r.err;
+    const json root = json::parse(r.out)["root"];
+    EXPECT_EQ(count_type(root, "triblock"), 1);
+    EXPECT_GE(count_type(root, "curve"), 1);
+    EXPECT_TRUE(has_name(root, "VelmScan(Visit)"));
+    each(root, [](const json& i) {
+        if (i["type"] == "triblock") {
+            EXPECT_EQ(i["name"].get<std::string>().rfind("FINISH_MODEL~", 0), 0u);
+        }
+    });
+}
+
+TEST_F(DumpCommandRun, SelectionThatKeepsNothing_SaysSoAndPrintsTheGroups)
+{
+    const CommandRun r = velmora({"--summary", "--select", "nothing", path_});
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.err, "velmora dump: " + path_ + ": nothing selected: no object matches --select and --only\n");
+    const json root = json::parse(r.out)["root"];
+    EXPECT_EQ(count_type(root, "triblock") + count_type(root, "curve") + count_type(root, "pointcloud"), 0);
+    EXPECT_TRUE(has_name(root, "MODEL_(LEFT)_20210304"));
+}

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <tiny_gltf.h>
 
+#include <array>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <sstream>
@@ -193,4 +195,107 @@ TEST(GltfWriter, Write_NamesThatAreNotUtf8StillMakeAValidFile)
     s.top.groups[0].name = "Base \xFF\xFE";
     const tinygltf::Model m = load_glb(glb(s, 1.0));
     EXPECT_NE(node(m, "Base \xC3\xBF\xC3\xBE"), nullptr);
+}
+
+TEST(GltfWriter, Write_RootTurnsZUpToYUpUnlessZIsKept)
+{
+    const tinygltf::Model m = load_glb(glb(sample_scene::scene(), 0.001));
+    const tinygltf::Node& root = m.nodes[static_cast<std::size_t>(m.scenes[0].nodes[0])];
+    ASSERT_EQ(root.rotation.size(), 4u);
+    // A quarter turn about x, by the right hand: (0, 0, 1) goes to (0, 1, 0).
+    const double x = root.rotation[0], w = root.rotation[3];
+    EXPECT_DOUBLE_EQ(x, -std::sqrt(0.5));
+    EXPECT_EQ(root.rotation[1], 0.0);
+    EXPECT_EQ(root.rotation[2], 0.0);
+    EXPECT_DOUBLE_EQ(w, std::sqrt(0.5));
+    // The z axis turned by q = (x, 0, 0, w) is (0, -2 w x, 1 - 2 x x).
+    const double zy = -2.0 * w * x, zz = 1.0 - 2.0 * x * x;
+    EXPECT_NEAR(zy, 1.0, 1e-15);
+    EXPECT_NEAR(zz, 0.0, 1e-15);
+    EXPECT_EQ(root.scale, (std::vector<double>{0.001, 0.001, 0.001}));
+
+    std::ostringstream out;
+    ASSERT_EQ(GltfWriter::write(sample_scene::scene(), 0.001, true, out, false), "");
+    const tinygltf::Model kept = load_glb(out.str());
+    EXPECT_TRUE(kept.nodes[static_cast<std::size_t>(kept.scenes[0].nodes[0])].rotation.empty());
+    EXPECT_EQ(kept.asset.extras.Get("up").Get<std::string>(), "z");
+    EXPECT_EQ(m.asset.extras.Get("up").Get<std::string>(), "y");
+}
+
+TEST(GltfWriter, VertexNormals_AreUnitAreaWeightedMeansAndUpWhereNoAreaIs)
+{
+    SceneMesh mesh;
+    // Two triangles meet at vertex 0: a large one in the plane z = 0 (normal
+    // +z, area 50) and a small one in the plane x = 0 (normal +x, area 0.5).
+    mesh.vertices = {{0, 0, 0}, {10, 0, 0}, {0, 10, 0}, {0, 1, 0}, {0, 0, 1}, {5, 5, 5}};
+    mesh.triangles = {{0, 1, 2}, {0, 3, 4}};
+    const auto n = GltfWriter::vertex_normals(mesh);
+    ASSERT_EQ(n.size(), 6u);
+    EXPECT_EQ(n[1], (std::array<float, 3>{0.0f, 0.0f, 1.0f}));
+    EXPECT_EQ(n[3], (std::array<float, 3>{1.0f, 0.0f, 0.0f}));
+    // (0.5 * 2, 0, 50 * 2) made unit: the large triangle weighs 100 times more.
+    const double len = std::sqrt(1.0 + 100.0 * 100.0);
+    EXPECT_FLOAT_EQ(n[0][0], static_cast<float>(1.0 / len));
+    EXPECT_FLOAT_EQ(n[0][2], static_cast<float>(100.0 / len));
+    // Vertex 5 is in no triangle.
+    EXPECT_EQ(n[5], (std::array<float, 3>{0.0f, 0.0f, 1.0f}));
+}
+
+TEST(GltfWriter, Write_MeshesCarryUnitNormalsBesideTheirPositions)
+{
+    const tinygltf::Model m = load_glb(glb(sample_scene::scene(), 1.0));
+    int meshes = 0;
+    for (const tinygltf::Mesh& mesh : m.meshes) {
+        const tinygltf::Primitive& p = mesh.primitives.at(0);
+        if (p.mode != TINYGLTF_MODE_TRIANGLES) {
+            EXPECT_EQ(p.attributes.count("NORMAL"), 0u);
+            continue;
+        }
+        ++meshes;
+        ASSERT_EQ(p.attributes.count("NORMAL"), 1u);
+        const std::vector<float> n = floats(m, p.attributes.at("NORMAL"));
+        EXPECT_EQ(n.size(), floats(m, p.attributes.at("POSITION")).size());
+        for (std::size_t k = 0; k < n.size(); k += 3)
+            EXPECT_NEAR(n[k] * n[k] + n[k + 1] * n[k + 1] + n[k + 2] * n[k + 2], 1.0, 1e-6);
+    }
+    EXPECT_EQ(meshes, 1);
+}
+
+TEST(GltfWriter, UniqueNames_SuffixOnlyTheSecondAndLaterOfASharedName)
+{
+    EXPECT_EQ(GltfWriter::unique_names({"a", "b", "a", "a"}),
+              (std::vector<std::string>{"a", "b", "a (2)", "a (3)"}));
+    // A suffixed name never takes one a sibling already has.
+    EXPECT_EQ(GltfWriter::unique_names({"a", "a (2)", "a"}), (std::vector<std::string>{"a", "a (2)", "a (3)"}));
+    EXPECT_EQ(GltfWriter::unique_names({"caf\xE9", "caf\xC3\xA9"}),
+              (std::vector<std::string>{"caf\xC3\xA9", "caf\xC3\xA9 (2)"}));
+}
+
+TEST(GltfWriter, Write_SiblingsOfOneNameGetSuffixesAndKeepTheirNameInExtras)
+{
+    Scene s = sample_scene::scene();
+    SceneGroup twin;
+    twin.name = "Data Base";
+    twin.mangled = "sample_Data Base";
+    s.top.add(twin);
+    const tinygltf::Model m = load_glb(glb(s, 1.0));
+    const tinygltf::Node& root = m.nodes[static_cast<std::size_t>(m.scenes[0].nodes[0])];
+    ASSERT_EQ(root.children.size(), 2u);
+    EXPECT_EQ(m.nodes[static_cast<std::size_t>(root.children[0])].name, "Data Base");
+    const tinygltf::Node& second = m.nodes[static_cast<std::size_t>(root.children[1])];
+    EXPECT_EQ(second.name, "Data Base (2)");
+    EXPECT_EQ(second.extras.Get("name").Get<std::string>(), "Data Base");
+    EXPECT_FALSE(m.nodes[static_cast<std::size_t>(root.children[0])].extras.Has("name"));
+}
+
+TEST(GltfWriter, Write_AssetExtrasNameTheArchiveAndTheImportOptions)
+{
+    Scene s = sample_scene::scene();
+    s.archive = "Fu\xDF.vlm";
+    s.options = {{"vmiOptProcessScanData", 1}, {"vmiOptProcessImageData", 0}};
+    const tinygltf::Model m = load_glb(glb(s, 1.0));
+    EXPECT_EQ(m.asset.extras.Get("archive").Get<std::string>(), "Fu\xC3\x9F.vlm");
+    const tinygltf::Value& o = m.asset.extras.Get("import_options");
+    EXPECT_EQ(o.Get("vmiOptProcessScanData").GetNumberAsInt(), 1);
+    EXPECT_EQ(o.Get("vmiOptProcessImageData").GetNumberAsInt(), 0);
 }

@@ -44,10 +44,10 @@ TEST(ObjWriter, Write_FlattensPlacementsAndColoursVerticesByPalette)
     // (10, 0, 1) moved by (100, 200, 0); colour index 3 is green.
     EXPECT_EQ(v[1], "v 110 200 1 0 1 0");
     // Point colours are the cloud's own: (0, 128, 0) at the point (1, 0, -5).
-    EXPECT_EQ(v[5], "v 101 200 -5 0 0.5019607843137255 0");
+    EXPECT_EQ(v[5], "v 101 200 -5 0 0.5019608 0");
     // The polyline's (5, 5, 0) turned a quarter, raised by 5, moved by 100;
     // without a colour index it is the palette's light grey.
-    const std::string grey = "0.7529411764705882";
+    const std::string grey = "0.7529412";
     EXPECT_EQ(v[41], "v 95 5 5 " + grey + ' ' + grey + ' ' + grey);
 }
 
@@ -78,7 +78,9 @@ TEST(ObjWriter, Token_ReplacesSpacesAndControlBytesAndNamesTheUnnamed)
 {
     EXPECT_EQ(ObjWriter::token("PCS models(B)\r\tx"), "PCS_models(B)__x");
     EXPECT_EQ(ObjWriter::token(""), "unnamed");
-    EXPECT_EQ(ObjWriter::token("caf\xE9"), "caf\xE9");
+    // Latin-1 from the archive becomes UTF-8; UTF-8 stays as it is.
+    EXPECT_EQ(ObjWriter::token("caf\xE9"), "caf\xC3\xA9");
+    EXPECT_EQ(ObjWriter::token("caf\xC3\xA9"), "caf\xC3\xA9");
 }
 
 TEST(ObjWriter, Write_LeavesOutAMeshWithABadIndexButKeepsTheCount)
@@ -91,4 +93,16 @@ TEST(ObjWriter, Write_LeavesOutAMeshWithABadIndexButKeepsTheCount)
     const std::string obj = written(ObjWriter::write, s, 1.0);
     EXPECT_EQ(lines_starting(obj, "v ").size(), 4u);
     EXPECT_EQ(lines_starting(obj, "f "), (std::vector<std::string>{"f 1 2 3", "f 2 4 3"}));
+}
+
+TEST(ObjWriter, Write_EachCoordinateIsItsFloatInShortestForm)
+{
+    Scene s;
+    SceneMesh m = sample_scene::mesh();
+    // 0.1 as a double is 0.1000000000000000055...; its float is 0.100000001490116...,
+    // whose shortest float form is "0.1"; 1/3 needs all of a float's digits.
+    m.vertices[0] = {0.1, 1.0 / 3.0, 123456.789};
+    s.top.add(m);
+    const std::string obj = written(ObjWriter::write, s, 1.0);
+    EXPECT_NE(obj.find("\nv 0.1 0.33333334 123456.79 0 1 0\n"), std::string::npos) << obj;
 }

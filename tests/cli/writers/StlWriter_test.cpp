@@ -32,3 +32,16 @@ TEST(StlWriter, Normal_IsZeroForATriangleWithoutArea)
     EXPECT_EQ(StlWriter::normal({0, 0, 0}, {1, 1, 1}, {2, 2, 2}), (ScenePoint{0, 0, 0}));
     EXPECT_EQ(StlWriter::normal({0, 0, 0}, {0, 2, 0}, {2, 0, 0}), (ScenePoint{0, 0, -1}));
 }
+
+TEST(StlWriter, Write_HeaderNamesTheSceneInUtf8CutBetweenCharacters)
+{
+    Scene s = sample_scene::scene();
+    // "velmora convert: " is 17 bytes; 62 'a' leave one byte, too few for a
+    // two-byte character, which is then left out whole.
+    s.top.name = std::string(62, 'a') + "\xDF";
+    const std::string stl = written(StlWriter::write, s, 1.0);
+    ASSERT_GE(stl.size(), StlWriter::header_size);
+    EXPECT_EQ(stl.substr(0, StlWriter::header_size), "velmora convert: " + std::string(62, 'a') + " ");
+    s.top.name = "Fu\xDF";
+    EXPECT_EQ(written(StlWriter::write, s, 1.0).substr(0, 22), "velmora convert: Fu\xC3\x9F ");
+}
