@@ -2,7 +2,9 @@
 // ConvertCommand: `velmora convert [--option NAME=0|1]... [--scale S] FILE.vlm
 // -o OUT`. Imports the archive through the plug-in as a host does (see
 // PluginLoader.h), gathers what the walk delivered into a Scene and writes it
-// by OUT's extension: .glb / .gltf, .obj, .ply or .stl (binary).
+// by OUT's extension (or -f): .glb / .gltf, .obj, .ply, .stl (binary) or .3mf.
+// Several archives with -d OUTDIR are a batch (see BatchConvert.h); "-" reads
+// the archive from standard input, -o - writes to standard output.
 #include <optional>
 #include <ostream>
 #include <string>
@@ -18,10 +20,18 @@ struct Scene;
 
 class ConvertCommand {
 public:
-    enum class Format { glb, gltf, obj, ply, stl, unknown };
+    enum class Format { glb, gltf, obj, ply, stl, threemf, unknown };
 
-    std::string file;
+    // The archives; "-" is standard input.
+    std::vector<std::string> files;
+    // The file to write, "-" for standard output; or the folder a batch
+    // writes <stem>.<ext> into.
     std::string output;
+    std::string output_folder;
+    // -f: the format by its extension's name; else OUT's extension says.
+    std::string format;
+    // -j: workers of a batch; none for BatchConvert::default_jobs().
+    std::optional<int> jobs;
     // NAME=0|1, each as given.
     std::vector<std::string> options;
     std::optional<double> scale;
@@ -31,10 +41,9 @@ public:
     // writers/SolidInsole.h); neither leaves it to wants_solid().
     bool solid = false;
     bool no_solid = false;
-    // --split DIR: one file per object there, in format `format` (an
-    // extension without the dot), and DIR/manifest.json.
+    // --split DIR: one file per object there, in format -f (STL unless
+    // given), and DIR/manifest.json.
     std::string split;
-    std::string format = "stl";
     // --select and --only: the objects written.
     Selection selection;
     // glTF's up axis: "y" (the root turns the archive's Z up into it) or "z".
@@ -59,6 +68,13 @@ public:
     bool wants_solid(Format f) const;
     // The format of a file name's extension, in any letter case.
     static Format format_of(const std::string& path);
+    // The format named without its dot ("glb", "3mf"), in any letter case.
+    static Format format_named(const std::string& name);
+    // The extension a batch gives its files of format f, without the dot.
+    static std::string extension_of(Format f);
+    // Why the scene holds nothing format f keeps ("nothing to write: ..."), or
+    // empty: STL and 3MF keep triangles alone, the others any item.
+    static std::string nothing_to_write(const Scene& scene, Format f);
     // The scale a format is written at unless the user gives one: glTF counts
     // metres, the others keep the archive's millimetres.
     static double default_scale(Format f);
@@ -73,6 +89,15 @@ public:
         // glTF: turn the archive's Z up into glTF's Y up at the root.
         bool y_up = true;
     };
-    // Writes scene to path in format f; empty on success, else the reason.
+    // Writes scene to path in format f, whole or not at all (see
+    // OutputFile.h); empty on success, else the reason.
     static std::string write_scene(const Scene& scene, const std::string& path, Format f, const Style& style);
+    // Writes scene to out in format f; empty on success, else the reason.
+    static std::string write_scene(const Scene& scene, std::ostream& out, Format f, const Style& style);
+
+private:
+    // One archive to one file (or "-"), or to --split's folder, as run() does
+    // for a single file and each worker of a batch does for its own.
+    int convert_file(const std::string& file, const std::string& output, Format f, std::ostream& out,
+                     std::ostream& err) const;
 };

@@ -9,7 +9,7 @@ write_sample_scene), `--convert VELMORA ARCHIVE` (velmora convert of an
 archive into every format) or `--demo VELMORA MAKE_DEMO_ARCHIVE` (the same for
 the demo archive, written first into OUTDIR).
 
-assimp: `assimp info` must read the .glb, .gltf, .obj, .ply and .stl files and
+assimp: `assimp info` must read the .glb, .gltf, .obj, .ply, .stl and .3mf files and
 find meshes in each; for the sample scene the counts are checked exactly.
 validator: the glTF validator of the npm registry, installed into NPM_PREFIX
 on first use, must report no error for the .glb and .gltf files. Without npm
@@ -22,7 +22,7 @@ import subprocess
 import sys
 
 SKIP = 77
-FORMATS = ["glb", "gltf", "obj", "ply", "stl"]
+FORMATS = ["glb", "gltf", "obj", "ply", "stl", "3mf"]
 
 # What assimp must find in the sample scene's files: (meshes, vertices, faces).
 # PLY: assimp keeps only the vertices that faces use, so just the mesh.
@@ -33,6 +33,7 @@ SAMPLE_COUNTS = {
     "obj": (4, 43, 39),
     "ply": (1, 4, 2),
     "stl": (1, 6, 2),
+    "3mf": (1, 4, 2),
 }
 
 

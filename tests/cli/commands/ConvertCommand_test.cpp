@@ -16,10 +16,12 @@
 
 #include "cli/ExitCode.h"
 #include "cli/PluginLoader.h"
+#include "cli/commands/BatchConvert.h"
 #include "tests/cli/commandLineRun.h"
 #include "tests/support/contourText.h"
 #include "tests/support/demoArchive.h"
 #include "tests/support/vlmWriter.h"
+#include "tests/support/commandRun.h"
 
 namespace {
 
@@ -294,7 +296,7 @@ TEST_F(ConvertCommandTest, Help_ExplainsEveryOptionOfSelectionSolidsSplitAndForm
     EXPECT_EQ(r.status, exit_success);
     for (const char* text : {"--select PATTERN", "* also spans /", "--only KIND", "insoles (the FINISH_MODEL meshes)",
                              "--solid", "default for .stl and for --only insoles", "--no-solid", "--up AXIS",
-                             "Y up", "--curves", "--split DIR", "manifest.json", "--format EXT", "left_out",
+                             "Y up", "--curves", "--split DIR", "manifest.json", "-f FORMAT", "left_out",
                              "The floor plane is z = 0", "float32", "UTF-8"})
         EXPECT_NE(r.out.find(text), std::string::npos) << text;
     const RunResult d = velmora({"dump", "--help"});
@@ -488,4 +490,169 @@ TEST_F(ConvertCommandTest, Latin1Names_AreWrittenAsUtf8AndSelectedByUtf8Patterns
         EXPECT_EQ(edges.bad, 0u);
     }
     EXPECT_EQ(stl, 1u);
+
+TEST_F(ConvertCommandTest, Batch_WritesEachArchiveIntoTheFolderByItsName)
+{
+    const std::string b = file("other.vlm", "PK another");
+    const RunResult r = velmora({"convert", archive_, b, "-d", path("out"), "-f", "obj", "-j", "2"});
+    ASSERT_EQ(r.status, exit_success) << r.err;
+    EXPECT_NE(read(path("out/design.obj")).find("g VelmScan(A)_SCAN_(LEFT)_1\n"), std::string::npos);
+    EXPECT_NE(read(path("out/other.obj")).find("g VelmScan(A)_SCAN_(LEFT)_1\n"), std::string::npos);
+    EXPECT_EQ(count_lines(r.err), 1);
+    EXPECT_EQ(r.err.rfind("velmora convert: 2 archives: 2 written, 0 failed, ", 0), 0u) << r.err;
+}
+
+TEST_F(ConvertCommandTest, Batch_StatusIsTheHighestAndEachFailureIsNamed)
+{
+    const std::string empty = file("empty.vlm", "EMPTY");
+    const RunResult r =
+        velmora({"convert", archive_, empty, path("missing.vlm"), "-d", path("out"), "-f", "glb", "-j", "3"});
+    EXPECT_EQ(r.status, exit_unreadable);
+    EXPECT_NE(r.err.find("velmora convert: " + empty + ": nothing imported: "), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("velmora convert: " + path("missing.vlm") + ": no such file\n"), std::string::npos);
+    EXPECT_NE(r.err.find("velmora convert: 3 archives: 1 written, 2 failed, "), std::string::npos);
+    EXPECT_TRUE(fs::exists(path("out/design.glb")));
+    EXPECT_FALSE(fs::exists(path("out/empty.glb")));
+    const RunResult only_empty = velmora({"convert", empty, "-d", path("out"), "-f", "glb"});
+    EXPECT_EQ(only_empty.status, exit_nothing_imported);
+}
+
+TEST_F(ConvertCommandTest, Batch_NeedsAFormatAndNoOutputFile)
+{
+    const RunResult no_format = velmora({"convert", archive_, "-d", path("out")});
+    EXPECT_EQ(no_format.status, exit_usage);
+    EXPECT_EQ(no_format.err, "velmora convert: -d " + path("out") + ": needs -f FORMAT\n");
+    const RunResult both = velmora({"convert", archive_, "-d", path("out"), "-f", "stl", "-o", path("a.stl")});
+    EXPECT_EQ(both.status, exit_usage);
+    EXPECT_EQ(count_lines(both.err), 1);
+    const RunResult several = velmora({"convert", archive_, archive_, "-o", path("a.stl")});
+    EXPECT_EQ(several.status, exit_usage);
+    EXPECT_EQ(several.err, "velmora convert: -o " + path("a.stl") + ": several archives need -d OUTDIR -f FORMAT\n");
+    EXPECT_FALSE(fs::exists(path("out")));
+}
+
+TEST_F(ConvertCommandTest, Batch_TwoArchivesOfOneNameAreRefusedBeforeAnyIsRead)
+{
+    fs::create_directories(dir_ / "b");
+    const std::string twin = file("b/design.vlm", "PK");
+    const RunResult r = velmora({"convert", archive_, twin, "-d", path("out"), "-f", "stl"});
+    EXPECT_EQ(r.status, exit_usage);
+    EXPECT_EQ(r.err, "velmora convert: " + (fs::path(path("out")) / "design.stl").string() + ": both " + archive_ +
+                         " and " + twin + " would be written there\n");
+    EXPECT_FALSE(fs::exists(path("out")));
+}
+
+TEST_F(ConvertCommandTest, Batch_MissingPluginIsReportedOnceBeforeAnyWorker)
+{
+    setenv("VELMORA_PLUGIN", path("libnothing.so").c_str(), 1);
+    const RunResult r = velmora({"convert", archive_, archive_, "-d", path("out"), "-f", "stl"});
+    EXPECT_EQ(r.status, exit_usage);  // the same name twice is found first
+    const std::string b = file("b.vlm", "PK");
+    const RunResult m = velmora({"convert", archive_, b, "-d", path("out"), "-f", "stl"});
+    EXPECT_EQ(m.status, exit_unreadable);
+    EXPECT_EQ(count_lines(m.err), 1);
+    EXPECT_NE(m.err.find(": cannot load the plug-in: "), std::string::npos) << m.err;
+}
+
+TEST_F(ConvertCommandTest, BadJobsOrFormat_IsWrongUsage)
+{
+    const RunResult j = velmora({"convert", archive_, "-d", path("out"), "-f", "stl", "-j", "0"});
+    EXPECT_EQ(j.status, exit_usage);
+    EXPECT_EQ(j.err, "velmora convert: --jobs 0: expected a whole number from 1 to " +
+                         std::to_string(BatchConvert::max_jobs) + "\n");
+    const RunResult f = velmora({"convert", archive_, "-o", path("out.stl"), "-f", "fbx"});
+    EXPECT_EQ(f.status, exit_usage);
+    EXPECT_EQ(f.err, "velmora convert: --format fbx: expected glb, gltf, obj, ply, stl or 3mf\n");
+}
+
+TEST_F(ConvertCommandTest, FormatOption_OverridesTheExtension)
+{
+    ASSERT_EQ(velmora({"convert", archive_, "-o", path("out.bin"), "-f", "STL"}).status, exit_success);
+    EXPECT_EQ(read(path("out.bin")).size(), 80u + 4u + 2u * 50u);
+}
+
+TEST_F(ConvertCommandTest, StandardOutput_GetsTheFileAndNothingElse)
+{
+    const RunResult r = velmora({"convert", archive_, "-o", "-", "-f", "stl"});
+    ASSERT_EQ(r.status, exit_success) << r.err;
+    EXPECT_EQ(r.err, "");
+    EXPECT_EQ(r.out.size(), 80u + 4u + 2u * 50u);
+    EXPECT_EQ(r.out.rfind("velmora convert: design", 0), 0u);
+    const RunResult no_format = velmora({"convert", archive_, "-o", "-"});
+    EXPECT_EQ(no_format.status, exit_usage);
+    EXPECT_EQ(no_format.err, "velmora convert: -: standard output needs -f FORMAT\n");
+}
+
+TEST_F(ConvertCommandTest, StandardInput_IsReadInAPipeline)
+{
+    const vlm::command_result r = vlm::run_command(
+        "/bin/sh", {"-c", std::string("cat \"$0\" | \"$1\" convert - -o - -f obj | grep -c '^g '"), archive_,
+                    std::string(VELMORA_BINARY_DIR) + "/bin/velmora"},
+        std::string("VELMORA_PLUGIN=") + CONVERT_TEST_PLUGIN);
+    EXPECT_EQ(r.status, 0) << r.err;
+    // The grid, the cloud and the polyline.
+    EXPECT_EQ(r.out, "3\n");
+    EXPECT_EQ(r.err, "");
+}
+
+TEST_F(ConvertCommandTest, StandardInput_ThatImportsNothingSaysSo)
+{
+    const std::string empty = file("empty.vlm", "EMPTY");
+    const vlm::command_result r =
+        vlm::run_command("/bin/sh", {"-c", "\"$1\" convert - -o \"$2\" < \"$0\"", empty,
+                                     std::string(VELMORA_BINARY_DIR) + "/bin/velmora", path("out.glb")},
+                         std::string("VELMORA_PLUGIN=") + CONVERT_TEST_PLUGIN);
+    EXPECT_EQ(r.status, exit_nothing_imported);
+    EXPECT_EQ(r.err.rfind("velmora convert: -: nothing imported: ", 0), 0u) << r.err;
+    EXPECT_FALSE(fs::exists(path("out.glb")));
+}
+
+TEST_F(ConvertCommandTest, OutputOntoTheInput_IsRefusedByInodeNotName)
+{
+    fs::create_hard_link(archive_, path("same.stl"));
+    const std::string before = read(archive_);
+    const RunResult r = velmora({"convert", archive_, "-o", path("same.stl")});
+    EXPECT_EQ(r.status, exit_usage);
+    EXPECT_EQ(r.err, "velmora convert: " + path("same.stl") + ": is the input archive\n");
+    EXPECT_EQ(read(archive_), before);
+    const RunResult by_format = velmora({"convert", archive_, "-o", archive_, "-f", "stl"});
+    EXPECT_EQ(by_format.status, exit_usage);
+    EXPECT_EQ(read(archive_), before);
+}
+
+TEST_F(ConvertCommandTest, EmptyResult_WritesNothingAndExitsOne)
+{
+    // Without the scan only a polyline arrives: no triangle for STL or 3MF.
+    for (const char* name : {"out.stl", "out.3mf"}) {
+        const RunResult r = velmora({"convert", "--option", "vmiOptProcessScanData=0", archive_, "-o", path(name)});
+        EXPECT_EQ(r.status, exit_nothing_imported) << name;
+        EXPECT_EQ(r.err, "velmora convert: " + archive_ + ": nothing to write: no mesh with a triangle\n");
+        EXPECT_FALSE(fs::exists(path(name)));
+    }
+    // OBJ keeps the polyline.
+    EXPECT_EQ(velmora({"convert", "--option", "vmiOptProcessScanData=0", archive_, "-o", path("out.obj")}).status,
+              exit_success);
+}
+
+TEST_F(ConvertCommandTest, FailedWrite_LeavesNoFileAndNoTemporary)
+{
+    // A result beyond the glb limit cannot be made here; a folder in the
+    // way of the target is refused before anything is written instead.
+    fs::create_directories(dir_ / "out.glb");
+    const RunResult r = velmora({"convert", archive_, "-o", path("out.glb")});
+    EXPECT_EQ(r.status, exit_usage);
+    EXPECT_EQ(r.err, "velmora convert: " + path("out.glb") + ": is a directory\n");
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir_), fs::directory_iterator()), 2);
+}
+
+TEST_F(ConvertCommandTest, ThreeMf_IsAPackageWithTheModelPart)
+{
+    ASSERT_EQ(velmora({"convert", archive_, "-o", path("out.3mf")}).status, exit_success);
+    const std::string bytes = read(path("out.3mf"));
+    EXPECT_EQ(bytes.rfind("PK\x03\x04", 0), 0u);
+    EXPECT_NE(bytes.find("3D/3dmodel.model"), std::string::npos);
+    EXPECT_EQ(ConvertCommand::format_of("a.3MF"), ConvertCommand::Format::threemf);
+    EXPECT_EQ(ConvertCommand::format_named("3mf"), ConvertCommand::Format::threemf);
+    EXPECT_EQ(ConvertCommand::format_named(".stl"), ConvertCommand::Format::unknown);
+    EXPECT_EQ(ConvertCommand::extension_of(ConvertCommand::Format::threemf), "3mf");
 }

@@ -1,5 +1,5 @@
 // Writes the hand-built sample scene in every format of `velmora convert`
-// (sample.glb, sample.gltf, sample.obj, sample.ply, sample.stl) into the
+// (sample.glb, sample.gltf, sample.obj, sample.ply, sample.stl, sample.3mf) into the
 // folder given, for the external readers and validators to check.
 #include <fstream>
 #include <iostream>
@@ -9,6 +9,7 @@
 #include "cli/writers/ObjWriter.h"
 #include "cli/writers/PlyWriter.h"
 #include "cli/writers/StlWriter.h"
+#include "cli/writers/ThreeMfWriter.h"
 #include "tests/cli/writers/SampleScene.h"
 
 namespace {
@@ -41,5 +42,6 @@ int main(int argc, char** argv)
     ok &= write_file(dir + "/sample.obj", [&](std::ostream& o) { return ObjWriter::write(s, 1.0, o); });
     ok &= write_file(dir + "/sample.ply", [&](std::ostream& o) { return PlyWriter::write(s, 1.0, o); });
     ok &= write_file(dir + "/sample.stl", [&](std::ostream& o) { return StlWriter::write(s, 1.0, o); });
+    ok &= write_file(dir + "/sample.3mf", [&](std::ostream& o) { return ThreeMfWriter::write(s, 1.0, o); });
     return ok ? 0 : 3;
 }
