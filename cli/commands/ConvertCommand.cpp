@@ -13,10 +13,13 @@
 #include "cli/ExitCode.h"
 #include "cli/PluginLoader.h"
 #include "cli/ReadDiagnosis.h"
+#include "cli/writers/DxfWriter.h"
 #include "cli/writers/GltfWriter.h"
+#include "cli/writers/IgesWriter.h"
 #include "cli/writers/ObjWriter.h"
 #include "cli/writers/PlyWriter.h"
 #include "cli/writers/SceneCollector.h"
+#include "cli/writers/StepWriter.h"
 #include "cli/writers/StlWriter.h"
 
 namespace {
@@ -33,6 +36,10 @@ std::string help_footer()
     "  .ply         binary: one vertex list with red, green, blue; faces, sampled curves as\n"
     "               edges, point clouds as vertices.\n"
     "  .stl         binary: the triangles of the meshes only.\n"
+    "  .step, .stp  STEP (Open CASCADE): every curve as its exact B-spline, placed and\n"
+    "               named; --meshes adds the meshes as faceted shells.\n"
+    "  .igs, .iges  IGES: the same shapes as STEP.\n"
+    "  .dxf         DXF: each model's curves as planar SPLINE entities, one layer a model.\n"
     "Units: the archive counts millimetres, glTF metres, so the glTF root node scales\n"
     "by 0.001; OBJ, PLY and STL stay in millimetres. --scale S replaces either.\n"
     "Curves arrive as NURBS; no output format holds one, so each is sampled: " +
@@ -60,6 +67,7 @@ CLI::App* ConvertCommand::add_to(CLI::App& app, ConvertCommand& command)
                     "Multiply every coordinate by S (default 0.001 for glTF, 1 otherwise)")
         ->type_name("S")
         ->check(CLI::Validator([](std::string& text) { return CommandInputs::scale_error(text); }, ""));
+    cmd->add_flag("--meshes", command.meshes, "STEP and IGES: write the meshes too, as faceted shells");
     cmd->add_option("file", command.file, "The archive to import")->required()->type_name("FILE.vlm");
     cmd->add_option("-o,--output", command.output, "The file to write; its extension picks the format")
         ->required()
@@ -77,6 +85,9 @@ ConvertCommand::Format ConvertCommand::format_of(const std::string& path)
     if (ext == ".obj") return Format::obj;
     if (ext == ".ply") return Format::ply;
     if (ext == ".stl") return Format::stl;
+    if (ext == ".step" || ext == ".stp") return Format::step;
+    if (ext == ".igs" || ext == ".iges") return Format::iges;
+    if (ext == ".dxf") return Format::dxf;
     return Format::unknown;
 }
 
@@ -85,7 +96,8 @@ double ConvertCommand::default_scale(Format f)
     return f == Format::glb || f == Format::gltf ? GltfWriter::millimetres_to_metres : 1.0;
 }
 
-std::string ConvertCommand::write_scene(const Scene& scene, const std::string& path, Format f, double scale)
+std::string ConvertCommand::write_scene(const Scene& scene, const std::string& path, Format f, double scale,
+                                        bool meshes)
 {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     if (!out) return std::strerror(errno);
@@ -96,6 +108,9 @@ std::string ConvertCommand::write_scene(const Scene& scene, const std::string& p
     case Format::obj: reason = ObjWriter::write(scene, scale, out); break;
     case Format::ply: reason = PlyWriter::write(scene, scale, out); break;
     case Format::stl: reason = StlWriter::write(scene, scale, out); break;
+    case Format::step: reason = StepWriter::write(scene, scale, meshes, out); break;
+    case Format::iges: reason = IgesWriter::write(scene, scale, meshes, out); break;
+    case Format::dxf: reason = DxfWriter::write(scene, scale, out); break;
     case Format::unknown: reason = "unknown output format"; break;
     }
     out.close();
@@ -112,7 +127,7 @@ int ConvertCommand::run(std::ostream&, std::ostream& err) const
 {
     const Format f = format_of(output);
     if (f == Format::unknown) {
-        CommandInputs::report(err, "convert", output, "unknown output format (use .glb, .gltf, .obj, .ply or .stl)");
+        CommandInputs::report(err, "convert", output, "unknown output format (use .glb, .gltf, .obj, .ply, .stl, .step, .igs or .dxf)");
         return exit_usage;
     }
     if (const std::string why = CommandInputs::unreadable_file(file); !why.empty()) {
@@ -130,7 +145,7 @@ int ConvertCommand::run(std::ostream&, std::ostream& err) const
         return exit_nothing_imported;
     case PluginLoader::imported: break;
     }
-    if (const std::string why = write_scene(collector.scene(), output, f, scale.value_or(default_scale(f)));
+    if (const std::string why = write_scene(collector.scene(), output, f, scale.value_or(default_scale(f)), meshes);
         !why.empty()) {
         CommandInputs::report(err, "convert", output, "cannot write: " + why);
         return exit_unreadable;

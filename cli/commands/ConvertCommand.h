@@ -2,7 +2,8 @@
 // ConvertCommand: `velmora convert [--option NAME=0|1]... [--scale S] FILE.vlm
 // -o OUT`. Imports the archive through the plug-in as a host does (see
 // PluginLoader.h), gathers what the walk delivered into a Scene and writes it
-// by OUT's extension: .glb / .gltf, .obj, .ply or .stl (binary).
+// by OUT's extension: .glb / .gltf, .obj, .ply, .stl (binary), .step / .stp,
+// .igs / .iges or .dxf.
 #include <optional>
 #include <ostream>
 #include <string>
@@ -15,13 +16,15 @@ struct Scene;
 
 class ConvertCommand {
 public:
-    enum class Format { glb, gltf, obj, ply, stl, unknown };
+    enum class Format { glb, gltf, obj, ply, stl, step, iges, dxf, unknown };
 
     std::string file;
     std::string output;
     // NAME=0|1, each as given.
     std::vector<std::string> options;
     std::optional<double> scale;
+    // STEP and IGES: the meshes too, as faceted shells.
+    bool meshes = false;
     // The plug-in to load; empty for PluginLoader::library_path().
     std::string library;
 
@@ -41,5 +44,6 @@ public:
     // metres, the others keep the archive's millimetres.
     static double default_scale(Format f);
     // Writes scene to path in format f; empty on success, else the reason.
-    static std::string write_scene(const Scene& scene, const std::string& path, Format f, double scale);
+    static std::string write_scene(const Scene& scene, const std::string& path, Format f, double scale,
+                                   bool meshes = false);
 };

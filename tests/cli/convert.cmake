@@ -51,3 +51,10 @@ if(Python3_Interpreter_FOUND AND TARGET velmora2rnx AND TARGET make_demo_archive
                        PROPERTIES TIMEOUT 300)
   set_tests_properties(convert_gltf_validator_passes_the_converted_demo PROPERTIES SKIP_RETURN_CODE 77)
 endif()
+
+# The exact-curve writers' suites run velmora on the demo archive.
+foreach(t StepWriter_test IgesWriter_test DxfWriter_test)
+  if(TARGET ${t})
+    add_dependencies(${t} velmora velmora2rnx)
+  endif()
+endforeach()
