@@ -42,11 +42,17 @@ const std::vector<std::string>& PluginLoader::option_names()
 
 std::string PluginLoader::library_path()
 {
-    if (const char* v = std::getenv(library_variable); v && *v) return v;
     std::error_code ec;
     const std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", ec);
-    if (ec) return library_file;
-    return (exe.parent_path().parent_path() / "lib" / library_file).string();
+    if (ec) return library_path(std::string());
+    return library_path((exe.parent_path().parent_path() / "lib").string());
+}
+
+std::string PluginLoader::library_path(const std::string& lib_dir)
+{
+    if (const char* v = std::getenv(library_variable); v && *v) return v;
+    if (lib_dir.empty()) return library_file;
+    return (std::filesystem::path(lib_dir) / library_file).string();
 }
 
 PluginLoader::PluginLoader(const std::string& library) : path_(library.empty() ? library_path() : library)

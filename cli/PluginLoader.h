@@ -26,6 +26,9 @@ public:
     // The plug-in file to load: the variable's value when set, else the file
     // next to the running command.
     static std::string library_path();
+    // The same for a host that keeps the plug-in in lib_dir: the variable's
+    // value when set, else lib_dir/library_file.
+    static std::string library_path(const std::string& lib_dir);
 
     // Loads the plug-in at library (library_path() when empty) and makes its
     // instance; loaded() says whether that worked, reason() why not. The

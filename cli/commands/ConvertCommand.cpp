@@ -21,11 +21,14 @@
 #include "cli/SplitOutput.h"
 #include "cli/StandardInput.h"
 #include "cli/commands/BatchConvert.h"
+#include "cli/writers/DxfWriter.h"
 #include "cli/writers/GltfWriter.h"
+#include "cli/writers/IgesWriter.h"
 #include "cli/writers/ObjWriter.h"
 #include "cli/writers/PlyWriter.h"
 #include "cli/writers/SceneCollector.h"
 #include "cli/writers/SolidInsole.h"
+#include "cli/writers/StepWriter.h"
 #include "cli/writers/StlWriter.h"
 #include "cli/writers/ThreeMfWriter.h"
 
@@ -43,6 +46,10 @@ std::string help_footer()
     "  .ply         binary: one vertex list (float x y z, red, green, blue); faces and point\n"
     "               clouds as vertices; sampled curves as edges only with --curves.\n"
     "  .stl         binary: the triangles of the meshes only.\n"
+    "  .step, .stp  STEP (Open CASCADE): every curve as its exact B-spline, placed and\n"
+    "               named; --meshes adds the meshes as faceted shells.\n"
+    "  .igs, .iges  IGES: the same shapes as STEP.\n"
+    "  .dxf         DXF: each model's curves as planar SPLINE entities, one layer a model.\n"
     "  .3mf         3MF package in millimetres: each mesh an object with its name and its\n"
     "               colour as a base material; triangles that repeat a vertex are left out.\n"
     "A result that would hold nothing (STL and 3MF: no triangle) is not written (exit 1).\n"
@@ -113,6 +120,7 @@ CLI::App* ConvertCommand::add_to(CLI::App& app, ConvertCommand& command)
         ->check(CLI::IsMember({"y", "z"}));
     cmd->add_flag("--curves", command.curves,
                   "PLY: also write the curves, sampled, as an \"edge\" element (many readers refuse one)");
+    cmd->add_flag("--meshes", command.meshes, "STEP and IGES: write the meshes too, as faceted shells");
     cmd->add_option("file", command.files, "The archives to import (- reads standard input)")
         ->required()
         ->type_name("FILE.vlm");
@@ -130,12 +138,12 @@ CLI::App* ConvertCommand::add_to(CLI::App& app, ConvertCommand& command)
         ->excludes(output)
         ->excludes(folder);
     cmd->add_option("-f,--format", command.format,
-                    "The format: glb, gltf, obj, ply, stl or 3mf (needed with -d and -o -; with --split, "
+                    "The format: glb, gltf, obj, ply, stl, 3mf, step, igs or dxf (needed with -d and -o -; with --split, "
                     "default stl; else the extension of OUT)")
         ->type_name("FORMAT")
         ->check(CLI::Validator(
             [](std::string& text) {
-                return format_named(text) == Format::unknown ? text + ": expected glb, gltf, obj, ply, stl or 3mf"
+                return format_named(text) == Format::unknown ? text + ": expected glb, gltf, obj, ply, stl, 3mf, step, igs or dxf"
                                                              : std::string();
             },
             ""));
@@ -156,6 +164,9 @@ ConvertCommand::Format ConvertCommand::format_of(const std::string& path)
     if (ext == ".ply") return Format::ply;
     if (ext == ".stl") return Format::stl;
     if (ext == ".3mf") return Format::threemf;
+    if (ext == ".step" || ext == ".stp") return Format::step;
+    if (ext == ".igs" || ext == ".iges") return Format::iges;
+    if (ext == ".dxf") return Format::dxf;
     return Format::unknown;
 }
 
@@ -179,6 +190,9 @@ std::string ConvertCommand::extension_of(Format f)
     case Format::ply: return "ply";
     case Format::stl: return "stl";
     case Format::threemf: return "3mf";
+    case Format::step: return "step";
+    case Format::iges: return "igs";
+    case Format::dxf: return "dxf";
     case Format::unknown: break;
     }
     return {};
@@ -220,6 +234,9 @@ std::string ConvertCommand::write_scene(const Scene& scene, std::ostream& out, F
     case Format::ply: reason = PlyWriter::write(scene, scale, out, style.curves); break;
     case Format::stl: reason = StlWriter::write(scene, scale, out); break;
     case Format::threemf: reason = ThreeMfWriter::write(scene, scale, out); break;
+    case Format::step: reason = StepWriter::write(scene, scale, style.meshes, out); break;
+    case Format::iges: reason = IgesWriter::write(scene, scale, style.meshes, out); break;
+    case Format::dxf: reason = DxfWriter::write(scene, scale, out); break;
     case Format::unknown: reason = "unknown output format"; break;
     }
     out.flush();
@@ -296,7 +313,7 @@ int ConvertCommand::run(std::ostream& out, std::ostream& err) const
     if (f == Format::unknown) {
         CommandInputs::report(err, "convert", output,
                               output == "-" ? "standard output needs -f FORMAT"
-                                            : "unknown output format (use .glb, .gltf, .obj, .ply, .stl or .3mf)");
+                                            : "unknown output format (use .glb, .gltf, .obj, .ply, .stl, .3mf, .step, .igs or .dxf)");
         return exit_usage;
     }
     return convert_file(files.front(), output, f, out, err);
@@ -349,6 +366,7 @@ int ConvertCommand::convert_file(const std::string& file, const std::string& out
     style.scale = scale.value_or(default_scale(f));
     style.curves = curves;
     style.y_up = up == "y";
+    style.meshes = meshes;
     if (!split.empty()) {
         // STL holds triangles only, PLY no curve unless asked: a file of
         // nothing would only mislead.

@@ -2,9 +2,10 @@
 // ConvertCommand: `velmora convert [--option NAME=0|1]... [--scale S] FILE.vlm
 // -o OUT`. Imports the archive through the plug-in as a host does (see
 // PluginLoader.h), gathers what the walk delivered into a Scene and writes it
-// by OUT's extension (or -f): .glb / .gltf, .obj, .ply, .stl (binary) or .3mf.
-// Several archives with -d OUTDIR are a batch (see BatchConvert.h); "-" reads
-// the archive from standard input, -o - writes to standard output.
+// by OUT's extension (or -f): .glb / .gltf, .obj, .ply, .stl (binary), .3mf,
+// .step / .stp, .igs / .iges or .dxf. Several archives with -d OUTDIR are a
+// batch (see BatchConvert.h); "-" reads the archive from standard input, -o -
+// writes to standard output.
 #include <optional>
 #include <ostream>
 #include <string>
@@ -20,7 +21,7 @@ struct Scene;
 
 class ConvertCommand {
 public:
-    enum class Format { glb, gltf, obj, ply, stl, threemf, unknown };
+    enum class Format { glb, gltf, obj, ply, stl, threemf, step, iges, dxf, unknown };
 
     // The archives; "-" is standard input.
     std::vector<std::string> files;
@@ -48,6 +49,8 @@ public:
     Selection selection;
     // glTF's up axis: "y" (the root turns the archive's Z up into it) or "z".
     std::string up = "y";
+    // STEP and IGES: the meshes too, as faceted shells.
+    bool meshes = false;
     // The plug-in to load; empty for PluginLoader::library_path().
     std::string library;
 
@@ -88,6 +91,8 @@ public:
         bool curves = false;
         // glTF: turn the archive's Z up into glTF's Y up at the root.
         bool y_up = true;
+        // STEP and IGES: the meshes too, as faceted shells.
+        bool meshes = false;
     };
     // Writes scene to path in format f, whole or not at all (see
     // OutputFile.h); empty on success, else the reason.

@@ -70,3 +70,9 @@ if(system_python AND TARGET velmora2rnx AND TARGET make_demo_archive)
   set_tests_properties(convert_admesh_finds_every_demo_insole_closed convert_meshio_reads_the_dumps_counts
                        PROPERTIES TIMEOUT 300)
 endif()
+# The exact-curve writers' suites run velmora on the demo archive.
+foreach(t StepWriter_test IgesWriter_test DxfWriter_test)
+  if(TARGET ${t})
+    add_dependencies(${t} velmora velmora2rnx)
+  endif()
+endforeach()

@@ -562,7 +562,7 @@ TEST_F(ConvertCommandTest, BadJobsOrFormat_IsWrongUsage)
                          std::to_string(BatchConvert::max_jobs) + "\n");
     const RunResult f = velmora({"convert", archive_, "-o", path("out.stl"), "-f", "fbx"});
     EXPECT_EQ(f.status, exit_usage);
-    EXPECT_EQ(f.err, "velmora convert: --format fbx: expected glb, gltf, obj, ply, stl or 3mf\n");
+    EXPECT_EQ(f.err, "velmora convert: --format fbx: expected glb, gltf, obj, ply, stl, 3mf, step, igs or dxf\n");
 }
 
 TEST_F(ConvertCommandTest, FormatOption_OverridesTheExtension)
