@@ -7,6 +7,7 @@
 #include "cli/commands/DumpCommand.h"
 #include "cli/commands/ListingCommand.h"
 #include "cli/commands/PreviewCommand.h"
+#include "cli/commands/ReportCommand.h"
 #include "cli/ExitCode.h"
 
 #ifndef VELMORA_VERSION
@@ -58,9 +59,12 @@ int CommandLine::run(int argc, const char* const* argv, std::ostream& out, std::
     DumpCommand::add_to(app, dump);
     PreviewCommand preview;
     PreviewCommand::add_to(app, preview);
+    ReportCommand report;
+    ReportCommand::add_to(app, report);
     // CLI11 would call an unknown word an unexpected argument; name it instead.
     const std::string word = command_word(argc, argv);
-    if (!word.empty() && word != "inspect" && word != "convert" && word != "dump" && word != "preview") {
+    if (!word.empty() && word != "inspect" && word != "convert" && word != "dump" && word != "preview" &&
+        word != "report") {
         err << "velmora: " << word << ": unknown command (see velmora --help)\n";
         return exit_usage;
     }
@@ -81,5 +85,6 @@ int CommandLine::run(int argc, const char* const* argv, std::ostream& out, std::
     if (app.got_subcommand("convert")) return convert.run(out, err);
     if (app.got_subcommand("dump")) return dump.run(out, err);
     if (app.got_subcommand("preview")) return preview.run(out, err);
+    if (app.got_subcommand("report")) return report.run(out, err);
     return exit_usage;
 }

@@ -1,5 +1,6 @@
-"""A reader of the PNG files velmora writes (8-bit RGB, no interlacing),
-with nothing but zlib: the pixels row by row and the tEXt chunks."""
+"""A reader of 8-bit RGB and RGBA PNG files without interlacing (those
+velmora writes and a browser's screenshots), with nothing but zlib: the
+pixels row by row and the tEXt chunks."""
 import struct
 import zlib
 
@@ -7,15 +8,17 @@ SIGNATURE = b"\x89PNG\r\n\x1a\n"
 
 
 class Png:
-    def __init__(self, width, height, rows, texts):
+    def __init__(self, width, height, rows, texts, bpp):
         self.width = width
         self.height = height
-        self.rows = rows  # bytes objects, 3 bytes a pixel
+        self.rows = rows  # bytes objects, bpp bytes a pixel
         self.texts = texts
+        self.bpp = bpp
 
     def pixel(self, x, y):
-        r = self.rows[y]
-        return (r[3 * x], r[3 * x + 1], r[3 * x + 2])
+        """The red, green and blue of the pixel at (x, y)."""
+        r, k = self.rows[y], self.bpp * x
+        return (r[k], r[k + 1], r[k + 2])
 
 
 def _paeth(a, b, c):
@@ -51,10 +54,11 @@ def read(path):
     if ihdr is None or not seen_end:
         raise ValueError(path + ": no IHDR or IEND")
     width, height, depth, colour, _, _, interlace = ihdr
-    if depth != 8 or colour != 2 or interlace != 0:
-        raise ValueError("%s: not 8-bit RGB without interlacing" % path)
+    if depth != 8 or colour not in (2, 6) or interlace != 0:
+        raise ValueError("%s: not 8-bit RGB or RGBA without interlacing" % path)
+    bpp = 3 if colour == 2 else 4
     raw = zlib.decompress(idat)
-    stride = width * 3
+    stride = width * bpp
     if len(raw) != height * (stride + 1):
         raise ValueError(path + ": wrong amount of pixel data")
     rows, prev = [], bytearray(stride)
@@ -62,9 +66,9 @@ def read(path):
         f = raw[y * (stride + 1)]
         line = bytearray(raw[y * (stride + 1) + 1:(y + 1) * (stride + 1)])
         for i in range(stride):
-            a = line[i - 3] if i >= 3 else 0
+            a = line[i - bpp] if i >= bpp else 0
             b = prev[i]
-            c = prev[i - 3] if i >= 3 else 0
+            c = prev[i - bpp] if i >= bpp else 0
             if f == 1:
                 line[i] = (line[i] + a) & 255
             elif f == 2:
@@ -77,7 +81,7 @@ def read(path):
                 raise ValueError("%s: unknown filter %d" % (path, f))
         rows.append(bytes(line))
         prev = line
-    return Png(width, height, rows, texts)
+    return Png(width, height, rows, texts, bpp)
 
 
 def fields(text):
