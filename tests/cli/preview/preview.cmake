@@ -15,3 +15,8 @@ if(TARGET velmora2rnx AND TARGET make_demo_archive)
     set_tests_properties(preview_demo_pictures_match_the_dump PROPERTIES TIMEOUT 300)
   endif()
 endif()
+
+# The command's own test runs the plug-in from build/lib.
+if(TARGET PreviewCommand_test AND TARGET velmora2rnx)
+  add_dependencies(PreviewCommand_test velmora2rnx)
+endif()
