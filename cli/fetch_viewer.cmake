@@ -13,7 +13,9 @@ if(NOT npm_program)
   return()
 endif()
 set(package "@google/model-viewer@${VERSION}")
-execute_process(COMMAND ${npm_program} install --no-audit --no-fund --no-save --prefix "${PREFIX}" ${package}
+# Few and short retries: an offline build should not wait minutes for npm.
+execute_process(COMMAND ${npm_program} install --no-audit --no-fund --no-save --fetch-retries=1
+                        --fetch-timeout=30000 --prefix "${PREFIX}" ${package}
                 RESULT_VARIABLE rc OUTPUT_VARIABLE log ERROR_VARIABLE log)
 set(built "${PREFIX}/node_modules/@google/model-viewer/dist/model-viewer-umd.min.js")
 if(NOT rc EQUAL 0 OR NOT EXISTS "${built}")

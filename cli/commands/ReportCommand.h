@@ -15,7 +15,7 @@ class App;
 
 class ReportCommand {
 public:
-    // The file name of the viewer next to the command: <bin>/../share/velmora/.
+    // The environment variable that names another viewer file to copy.
     static constexpr const char* viewer_variable = "VELMORA_VIEWER";
 
     std::string file;

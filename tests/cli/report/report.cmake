@@ -8,3 +8,7 @@ if(TARGET velmora2rnx AND TARGET make_demo_archive AND velmora_system_python)
                    ${CMAKE_BINARY_DIR}/npm-report)
   set_tests_properties(report_demo_opens_in_chromium PROPERTIES TIMEOUT 400 SKIP_RETURN_CODE 77)
 endif()
+
+if(TARGET ReportCommand_test AND TARGET velmora2rnx)
+  add_dependencies(ReportCommand_test velmora2rnx)
+endif()
