@@ -6,6 +6,8 @@
 #include "cli/commands/ConvertCommand.h"
 #include "cli/commands/DumpCommand.h"
 #include "cli/commands/ListingCommand.h"
+#include "cli/commands/PreviewCommand.h"
+#include "cli/commands/ReportCommand.h"
 #include "cli/ExitCode.h"
 
 #ifndef VELMORA_VERSION
@@ -55,9 +57,14 @@ int CommandLine::run(int argc, const char* const* argv, std::ostream& out, std::
     ConvertCommand::add_to(app, convert);
     DumpCommand dump;
     DumpCommand::add_to(app, dump);
+    PreviewCommand preview;
+    PreviewCommand::add_to(app, preview);
+    ReportCommand report;
+    ReportCommand::add_to(app, report);
     // CLI11 would call an unknown word an unexpected argument; name it instead.
     const std::string word = command_word(argc, argv);
-    if (!word.empty() && word != "inspect" && word != "convert" && word != "dump") {
+    if (!word.empty() && word != "inspect" && word != "convert" && word != "dump" && word != "preview" &&
+        word != "report") {
         err << "velmora: " << word << ": unknown command (see velmora --help)\n";
         return exit_usage;
     }
@@ -77,5 +84,7 @@ int CommandLine::run(int argc, const char* const* argv, std::ostream& out, std::
     if (app.got_subcommand("inspect")) return inspect.run(out, err);
     if (app.got_subcommand("convert")) return convert.run(out, err);
     if (app.got_subcommand("dump")) return dump.run(out, err);
+    if (app.got_subcommand("preview")) return preview.run(out, err);
+    if (app.got_subcommand("report")) return report.run(out, err);
     return exit_usage;
 }
