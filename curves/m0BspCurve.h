@@ -23,6 +23,13 @@ public:
     static constexpr int max_order = 16;
     // The highest derivative of a basis function the curve evaluates.
     static constexpr int max_derivative = 3;
+    // At most this many rounds (a step tried: accepted or halved, one or two
+    // evaluations) over one polyline approximation; the walk stops there and
+    // returns what it has. A curve far larger than its tolerance (coordinates
+    // of 1e12 and a tolerance of 0.1), or one whose steps keep halving, would
+    // otherwise ask for billions of evaluations. An outline of an insole
+    // takes a few thousand.
+    static constexpr int max_approximation_rounds = 1 << 20;
 
     // How the basis functions are computed. Both give the same bits: the table
     // is what the curve uses; the plain recursion is kept to check it against.
@@ -142,7 +149,7 @@ private:
     m03DPoint continue_after(double t) const;
     m03DPoint derivative(double t, int der) const;
     double projection0(const m03DPoint& q, double t0, m03DPoint p0, double t1, m03DPoint p1) const;
-    // Walks one span of approximate(); returns 0 when the step budget is spent.
+    // Walks one span of approximate(); returns 0 when the rounds are spent.
     int approximate_span(double a, double b, double tol, m03DPoint& prev, std::vector<m03DPoint>& out,
                          int& steps) const;
     static m01DVector* simplify_param_vector(m01DVector* v);

@@ -12,11 +12,6 @@ constexpr double min_step = 1e-7;
 // A point is not appended when its squared distance to the previous one is
 // not above this.
 constexpr double min_segment2 = 1e-15;
-// At most this many steps are accepted over a whole walk; the walk stops there
-// and returns what it has. A curve far larger than its tolerance (coordinates
-// of 1e12 and a tolerance of 0.1) would otherwise ask for polylines of
-// billions of points.
-constexpr int max_approximation_steps = 1000000;
 
 }  // namespace
 
@@ -53,6 +48,8 @@ int m0BspCurve::approximate_span(double a, double b, double tol, m03DPoint& prev
     m03DPoint mid = point(a + step * 0.5);
     m03DPoint end = point(a + step);
     while (b > a) {
+        if (++steps > max_approximation_rounds)
+            return 0;
         if (step == 0.0) {
             // A step was just accepted: start the next one as long as allowed.
             step = b - a;
@@ -76,8 +73,6 @@ int m0BspCurve::approximate_span(double a, double b, double tol, m03DPoint& prev
             a = a + step;
             prev = end;
             step = 0.0;
-            if (++steps >= max_approximation_steps)
-                return 0;
         } else {
             step = step * 0.5;
         }

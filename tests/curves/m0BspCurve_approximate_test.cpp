@@ -119,11 +119,12 @@ TEST(m0BspCurve, Approximate_StepThatNoLongerMovesTheParameter_AbandonsTheSpan)
     delete c;
 }
 
-TEST(m0BspCurve, Approximate_MoreStepsThanTheBound_StopsAtTheBound)
+TEST(m0BspCurve, Approximate_MoreRoundsThanTheBound_StopsAtTheBound)
 {
-    // A zigzag of 600000 straight spans takes two steps each: 1.2 million
-    // steps, more than the walk accepts. It stops after a million, every one
-    // of which appended a point.
+    // A zigzag of 600000 straight spans takes two steps each, every one
+    // accepted at once: 1.2 million rounds, more than the walk takes. It
+    // stops after max_approximation_rounds, every one of which appended a
+    // point.
     const int spans = 600000;
     std::vector<double> knots = {0.0};
     std::vector<m03DPoint> cps;
@@ -134,8 +135,24 @@ TEST(m0BspCurve, Approximate_MoreStepsThanTheBound_StopsAtTheBound)
     knots.push_back(spans);
     m0BspCurve* c = make_curve(1, knots, cps);
     m03DVector* poly = c->approximate(0.1);
-    EXPECT_EQ(poly->size(), 1000001);
-    EXPECT_TRUE(same_bits(poly->point(1000000), c->point(500000.0)));
+    const int rounds = m0BspCurve::max_approximation_rounds;
+    ASSERT_LT(rounds, 2 * spans);
+    EXPECT_EQ(poly->size(), rounds + 1);
+    EXPECT_TRUE(same_bits(poly->point(rounds), c->point(rounds / 2.0)));
+    delete poly;
+    delete c;
+}
+
+TEST(m0BspCurve, Approximate_StepsThatKeepHalving_CountTowardTheBound)
+{
+    // An arc two million long at a tolerance of 1e-6: every accepted step
+    // starts at half the span and halves some twenty times first. The halved
+    // tries count as rounds too, so the walk ends after about a twentieth of
+    // max_approximation_rounds points rather than after that many points.
+    m0BspCurve* c = make_curve(2, {0, 0, 0, 1, 1, 1}, {{0, 0, 0}, {1e6, 1e6, 0}, {2e6, 0, 0}});
+    m03DVector* poly = c->approximate(1e-6);
+    EXPECT_GT(poly->size(), 1000);
+    EXPECT_LT(poly->size(), m0BspCurve::max_approximation_rounds / 8);
     delete poly;
     delete c;
 }
