@@ -299,6 +299,12 @@ int ConvertCommand::run(std::ostream& out, std::ostream& err) const
             CommandInputs::report(err, "convert", "--split " + split, "takes one archive");
             return exit_usage;
         }
+        // One file per object is for meshes, curves and clouds alike; the
+        // exact-curve formats hold a whole archive's outlines in one drawing.
+        if (named == Format::step || named == Format::iges || named == Format::dxf) {
+            CommandInputs::report(err, "convert", "--split " + split, "writes glb, gltf, obj, ply, stl or 3mf");
+            return exit_usage;
+        }
         return convert_file(files.front(), "", named != Format::unknown ? named : Format::stl, out, err);
     }
     if (output.empty()) {

@@ -105,8 +105,10 @@ int ReportCommand::run(std::ostream&, std::ostream& err) const
     files.model = stem + ".glb";
     files.model_script = files.model + ".js";
     const std::string model_path = (dir / files.model).string();
-    if (const std::string why = ConvertCommand::write_scene(scene, model_path, ConvertCommand::Format::glb,
-                                                            GltfWriter::millimetres_to_metres);
+    // Y up, as the viewer stands its models.
+    ConvertCommand::Style style;
+    style.scale = GltfWriter::millimetres_to_metres;
+    if (const std::string why = ConvertCommand::write_scene(scene, model_path, ConvertCommand::Format::glb, style);
         !why.empty()) {
         CommandInputs::report(err, "report", model_path, "cannot write: " + why);
         return exit_unreadable;

@@ -124,12 +124,14 @@ TEST(ScanImage, NegativeSizeOrSpacingYieldsNoObject)
 TEST(ScanImage, BeyondMaxImagePixelsYieldsNoObject)
 {
     vmiFile f;
-    // 4096 x 2049 pixels is one row of 4096 beyond the bound of 2^23.
-    EXPECT_EQ(extract(f, vlm::pcim_entry(image(4096, 2049, {}))), nullptr);
+    // One row of 4096 beyond the bound.
+    const int rows = static_cast<int>(vmiFile::max_image_pixels / 4096);
+    EXPECT_EQ(extract(f, vlm::pcim_entry(image(4096, rows + 1, {}))), nullptr);
     EXPECT_EQ(extract(f, vlm::pcim_entry(image(0x7fffffff, 0x7fffffff, {}))), nullptr);
     // A size beyond the bound on its own is refused even with no pixels.
-    EXPECT_EQ(extract(f, vlm::pcim_entry(image(0, (1 << 23) + 1, {}))), nullptr);
-    vmiObject* at_bound = extract(f, vlm::pcim_entry(image(0, 1 << 23, {})));
+    const int most = static_cast<int>(vmiFile::max_image_pixels);
+    EXPECT_EQ(extract(f, vlm::pcim_entry(image(0, most + 1, {}))), nullptr);
+    vmiObject* at_bound = extract(f, vlm::pcim_entry(image(0, most, {})));
     ASSERT_NE(at_bound, nullptr);
     EXPECT_EQ(at_bound->cloud()->size(), 0);
     delete at_bound;

@@ -443,7 +443,7 @@ TEST_F(ConvertCommandTest, OutputOrSplit_ExactlyOneIsNeeded)
 {
     const RunResult neither = velmora({"convert", archive_});
     EXPECT_EQ(neither.status, exit_usage);
-    EXPECT_EQ(neither.err, "velmora convert: -o OUT or --split DIR is needed (see velmora --help)\n");
+    EXPECT_EQ(neither.err, "velmora convert: " + archive_ + ": give -o OUT, --split DIR, or -d OUTDIR -f FORMAT\n");
     EXPECT_EQ(velmora({"convert", archive_, "-o", path("a.obj"), "--split", path("d")}).status, exit_usage);
     EXPECT_EQ(velmora({"convert", archive_, "--split", path("d"), "--format", "dxf"}).status, exit_usage);
 }
@@ -490,6 +490,7 @@ TEST_F(ConvertCommandTest, Latin1Names_AreWrittenAsUtf8AndSelectedByUtf8Patterns
         EXPECT_EQ(edges.bad, 0u);
     }
     EXPECT_EQ(stl, 1u);
+}
 
 TEST_F(ConvertCommandTest, Batch_WritesEachArchiveIntoTheFolderByItsName)
 {
