@@ -14,11 +14,13 @@ struct vmiProfileSearch {
     // target.
     double stop;
 
-    // A bisection halves its interval each step, which reaches 0 after some
-    // 1075 steps whatever the tolerance; a tolerance that is not positive
-    // (a profile ending at x <= 0) would otherwise never end it. No search with
-    // a positive tolerance is cut short by this bound.
-    static constexpr int max_steps = 1100;
+    // The most bisection steps of one search. A profile within the design's
+    // coordinates (x_end up to vmiVelmcontur::max_coordinate, 1e6) ends its
+    // search within 30 steps: the interval tolerance / x_end is at least 1e-8.
+    // A profile ending at x <= 0 never ends it, and one ending beyond 1e17
+    // asks for up to 1075 steps at every node of a pad: these stop here, so
+    // that a pad over a whole grid costs at most this many evaluations a node.
+    static constexpr int max_steps = 64;
 
     // The height at x = target, for a profile whose x ends at x_end.
     double height(const m0BspCurve& profile, const double& target, const double& x_end) const;
