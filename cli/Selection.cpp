@@ -140,12 +140,7 @@ bool Selection::keep_group(const SceneGroup& from, SceneGroup& to, std::vector<s
 
 Scene Selection::apply(const Scene& scene) const
 {
-    Scene out;
-    out.archive = scene.archive;
-    out.options = scene.options;
-    out.top.name = scene.top.name;
-    out.top.mangled = scene.top.mangled;
-    out.top.placement = scene.top.placement;
+    Scene out = scene.empty_copy();
     std::vector<std::string> path;
     keep_group(scene.top, out.top, path);
     return out;

@@ -126,12 +126,7 @@ std::string SplitOutput::stem(const std::vector<std::string>& path)
 
 Scene SplitOutput::only_item(const Scene& scene, std::size_t ordinal)
 {
-    Scene out;
-    out.archive = scene.archive;
-    out.options = scene.options;
-    out.top.name = scene.top.name;
-    out.top.mangled = scene.top.mangled;
-    out.top.placement = scene.top.placement;
+    Scene out = scene.empty_copy();
     copy_item(scene.top, out.top, ordinal);
     return out;
 }

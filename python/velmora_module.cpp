@@ -81,19 +81,7 @@ py::array values_view(const Owner& owner, const std::vector<double>& v)
 // as the dump writes them.
 py::str text(const std::string& bytes)
 {
-    std::string out;
-    for (std::size_t i = 0; i < bytes.size();) {
-        const std::size_t n = Utf8::sequence_length(bytes, i);
-        if (n > 0) {
-            out.append(bytes, i, n);
-            i += n;
-            continue;
-        }
-        const auto b = static_cast<unsigned char>(bytes[i++]);
-        out += static_cast<char>(0xC0 | (b >> 6));
-        out += static_cast<char>(0x80 | (b & 0x3F));
-    }
-    return py::str(out);
+    return py::str(Utf8::from_bytes(bytes));
 }
 
 py::object as_python(const Owner& owner, const DumpItem* item)

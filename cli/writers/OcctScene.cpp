@@ -41,19 +41,7 @@ gp_Pnt placed(const ScenePlacement& world, const ScenePoint& p)
 
 std::string OcctScene::utf8(const std::string& bytes)
 {
-    std::string out;
-    for (std::size_t i = 0; i < bytes.size();) {
-        const std::size_t n = Utf8::sequence_length(bytes, i);
-        if (n > 0) {
-            out.append(bytes, i, n);
-            i += n;
-            continue;
-        }
-        const auto b = static_cast<unsigned char>(bytes[i++]);
-        out += static_cast<char>(0xC0 | (b >> 6));
-        out += static_cast<char>(0x80 | (b & 0x3F));
-    }
-    return out;
+    return Utf8::from_bytes(bytes);
 }
 
 Handle(Geom_BSplineCurve) OcctScene::curve(const SceneCurve& c, const ScenePlacement& world)

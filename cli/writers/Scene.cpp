@@ -196,3 +196,14 @@ std::size_t Scene::num_items() const
 {
     return count_items(top);
 }
+
+Scene Scene::empty_copy() const
+{
+    Scene out;
+    out.archive = archive;
+    out.options = options;
+    out.top.name = top.name;
+    out.top.mangled = top.mangled;
+    out.top.placement = top.placement;
+    return out;
+}

@@ -143,4 +143,7 @@ struct Scene {
     std::vector<ScenePlacedItem> placed_items(double scale) const;
     // How many meshes, curves and clouds the whole tree holds.
     std::size_t num_items() const;
+    // A scene of the same archive, options and top group (its name, mangled
+    // name and placement) with nothing in it yet.
+    Scene empty_copy() const;
 };
