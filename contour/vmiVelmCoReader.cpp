@@ -201,7 +201,7 @@ bool vmiVelmCoReader::array_allowed(const int& n) const
         return true;
     // A long array needs n - 1 bytes before the line ends: no value is read
     // across a line feed and every value the line holds takes a byte, so a
-    // longer count cannot be what the text says.
+    // longer count cannot be what the line holds.
     int need = n - 1;
     if (remaining() < need)
         return false;

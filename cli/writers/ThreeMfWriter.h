@@ -8,7 +8,7 @@
 // rest). Curves and point clouds have no place in a printable package and are
 // left out.
 //
-// The package holds the three parts of the core specification (content
+// The package holds the three parts every 3MF package needs (content
 // types, the root relationship, 3D/3dmodel.model), deflated, with a fixed
 // date, so that the same scene always gives the same bytes. It is written
 // with libzip rather than lib3mf: lib3mf 1.8 gives every object a random
