@@ -16,6 +16,7 @@
 #include "archive/vmiArchiveDir.h"
 #include "archive/vmiReadReason.h"
 #include "archive/vmiVlk.h"
+#include "grid/vmiWorkBudget.h"
 #include "host/apByteOrderHandler.h"
 #include "host/qorabsTranslatorcoPrf.h"
 #include "host/utString.h"
@@ -190,6 +191,9 @@ public:
     // tests lower it).
     long long tree_points() const { return tree_points_; }
     void set_point_budget(long long budget) { point_budget_ = budget; }
+    // The work budget of each design's height sections
+    // (vmiWorkBudget::max_design_work; tests and the fuzz targets lower it).
+    void set_design_work_limit(long long limit) { design_work_limit_ = limit; }
 
 private:
     struct vlk_outcome {
@@ -246,6 +250,7 @@ private:
     vmiNode* current_level1_ = nullptr;
     long long tree_points_ = 0;
     long long point_budget_ = max_tree_points;
+    long long design_work_limit_ = vmiWorkBudget::max_design_work;
     bool scan_on_ = true;
     bool image_on_ = true;
     bool orthotic_on_ = true;

@@ -229,6 +229,14 @@ void vmiFile::fill_model(const vmiVlkElement& e, fill_state& s)
             skip(data_refusal(e, contour_magic));
         return;
     }
+    // A design whose height sections passed their work budget is incomplete.
+    if (record->over_budget()) {
+        const vmiWorkBudget work = record->work();
+        delete record;
+        skip(record_skip(e, vmiSkipReason::bound_exceeded)
+                 .with_bound("vmiWorkBudget::max_design_work", work.used(), work.limit()));
+        return;
+    }
     // A model's grids are known once it is built; one the budget cannot
     // take is dropped again.
     const long long points = model_points(record);
@@ -360,7 +368,7 @@ vmiVelmcontur* vmiFile::extract_velmcontur_data(const int& indx, const int& coun
         return nullptr;
     // The record parses the whole text, magic included, and keeps the grid.
     vmiBaseGrid* kept = owned.release();
-    vmiVelmcontur* record = new (std::nothrow) vmiVelmcontur(start_, len_, counter, kept);
+    vmiVelmcontur* record = new (std::nothrow) vmiVelmcontur(start_, len_, counter, kept, design_work_limit_);
     if (!record)
         delete kept;
     return record;

@@ -58,8 +58,8 @@ bool finite_within(const double& v, const double& bound)
 }  // namespace
 
 vmiVelmcontur::vmiVelmcontur(char* data, const int& length, const int& identifier,
-                             vmiBaseGrid* base_grid)
-    : identifier_(identifier), base_grid_(base_grid)
+                             vmiBaseGrid* base_grid, long long work_limit)
+    : budget_(work_limit), identifier_(identifier), base_grid_(base_grid)
 {
     if (!data || length < 1)
         return;
@@ -124,11 +124,18 @@ void vmiVelmcontur::proc_Velmcontur()
     for (int n = new_instruction(); n != 0 && n != end_of_document; n = new_instruction()) {
         for (const Section& section : sections) {
             if (section.number == n && test_string(section.name)) {
+                // A height section may pass over every node of the working
+                // grid; once the budget is spent none runs any more (its
+                // key lines are passed over by this loop).
+                if (n == open_height && !charge_section())
+                    break;
                 (this->*section.read)();
                 break;
             }
         }
     }
+    if (over_budget())
+        return;
     finish_model();
 }
 
@@ -172,6 +179,12 @@ void vmiVelmcontur::proc_Kerneldata()
     // spacing that is not a number of at least min_spacing, a margin beyond
     // max_coordinate) is refused as a whole: the document keeps its working
     // grid and the geometry it was made with.
+    // Each new grid is charged to the budget: a text that asks for one grid
+    // after another is bounded like the height sections.
+    if (budget_.spent()
+        || (vmiBaseGrid::size_allowed(xnum, ynum)
+            && !budget_.charge(static_cast<long long>(xnum) * ynum)))
+        return;
     std::unique_ptr<vmiBaseGrid> grid = make_working_grid(xnum, ynum, xres, yres, randx, randy);
     if (!grid)
         return;
@@ -193,6 +206,8 @@ void vmiVelmcontur::finish_model()
     if (!contour_ || !contour_map_ || !grid())
         return;
     work_grid_->make_closed_solid(*contour_map_);
+    // The finished model may outlive the document's budget.
+    work_grid_->set_budget(nullptr);
     vmiObjGrid* model
         = new (std::nothrow) vmiObjGrid(utString("FINISH_MODEL") + suffix(), work_grid_.get());
     if (!model)
@@ -210,6 +225,10 @@ vmiBaseGrid* vmiVelmcontur::grid()
         grid_pending_ = false;
         work_grid_ = make_working_grid(xnum_, ynum_, xres_, yres_, randx_, randy_);
     }
+    // Whichever grid works now (one cut to the insole outline, say) is
+    // charged to the document's budget.
+    if (work_grid_)
+        work_grid_->set_budget(&budget_);
     return work_grid_.get();
 }
 
@@ -226,6 +245,19 @@ std::unique_ptr<vmiBaseGrid> vmiVelmcontur::make_grid(const long long& xnum, con
     if (grid && !grid->points_array())
         grid.reset();
     return grid;
+}
+
+bool vmiVelmcontur::charge_section()
+{
+    if (budget_.spent())
+        return false;
+    // The grid to come when it is not made yet.
+    long long nodes = 0;
+    if (work_grid_)
+        nodes = static_cast<long long>(work_grid_->x_size()) * work_grid_->y_size();
+    else if (grid_pending_)
+        nodes = static_cast<long long>(xnum_) * ynum_;
+    return budget_.charge(nodes);
 }
 
 std::unique_ptr<vmiBaseGrid>

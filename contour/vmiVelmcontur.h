@@ -10,6 +10,7 @@
 
 #include "contour/vmiVelmCoReader.h"
 #include "curves/m03DPoint.h"
+#include "grid/vmiWorkBudget.h"
 #include "host/coPageArr.h"
 #include "host/utString.h"
 
@@ -75,7 +76,10 @@ public:
 
     // Builds and parses. Takes ownership of base_grid (may be null). The bytes
     // are only read during construction.
-    vmiVelmcontur(char* data, const int& length, const int& identifier, vmiBaseGrid* base_grid);
+    // work_limit is the height sections' budget (tests and the fuzz targets
+    // lower it).
+    vmiVelmcontur(char* data, const int& length, const int& identifier, vmiBaseGrid* base_grid,
+                  long long work_limit = vmiWorkBudget::max_design_work);
     ~vmiVelmcontur();
     vmiVelmcontur(const vmiVelmcontur&) = delete;
     vmiVelmcontur& operator=(const vmiVelmcontur&) = delete;
@@ -87,6 +91,11 @@ public:
 
     // -1: built over no data; 0: parsed.
     int status() const { return status_; }
+    // The work the height sections did (vmiWorkBudget). Once it is spent the
+    // sections left are passed over and the design is incomplete: the reader
+    // does not take it.
+    const vmiWorkBudget& work() const { return budget_; }
+    bool over_budget() const { return budget_.spent(); }
     int identifier() const { return identifier_; }
     int xnum() const { return xnum_; }
     int ynum() const { return ynum_; }
@@ -191,6 +200,9 @@ private:
                                                   const double& xres, const double& yres);
     // A working grid of the given geometry holding the base grid (when there
     // is one) with its margin; null when the geometry is out of bounds.
+    // Charges a height section the nodes of the working grid; false once
+    // the budget is spent.
+    bool charge_section();
     std::unique_ptr<vmiBaseGrid> make_working_grid(const int& xnum, const int& ynum,
                                                    const double& xres, const double& yres,
                                                    const double& randx, const double& randy);
@@ -239,6 +251,8 @@ private:
     vmiBaseGrid* grid();
 
     int status_ = -1;
+    // Declared before the grids that are charged to it.
+    vmiWorkBudget budget_;
     std::unique_ptr<vmiVelmCoReader> reader_;
     int identifier_ = 0;
     int xnum_ = 0;

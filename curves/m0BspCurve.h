@@ -101,8 +101,9 @@ public:
     static double basis_reference(const double* knots, const int& nknots, int order,
                                   const double& t, int i, int der);
 
-    // Parameter of the curve point nearest q, by chord bisection.
-    double projection(const m03DPoint& q) const;
+    // Parameter of the curve point nearest q, by chord bisection. The curve
+    // evaluations made are added to *evaluations when it is given.
+    double projection(const m03DPoint& q, long long* evaluations = nullptr) const;
     // point(projection(q)).
     m03DPoint min_dist_point(const m03DPoint& q) const;
     // Reverses the direction in place; knots on [0, u] stay on [0, u].
@@ -148,7 +149,9 @@ private:
     m03DPoint continue_before(double t) const;
     m03DPoint continue_after(double t) const;
     m03DPoint derivative(double t, int der) const;
-    double projection0(const m03DPoint& q, double t0, m03DPoint p0, double t1, m03DPoint p1) const;
+    double projection_counted(const m03DPoint& q, long long& made) const;
+    double projection0(const m03DPoint& q, double t0, m03DPoint p0, double t1, m03DPoint p1,
+                       long long& evaluations) const;
     // Walks one span of approximate(); returns 0 when the rounds are spent.
     int approximate_span(double a, double b, double tol, m03DPoint& prev, std::vector<m03DPoint>& out,
                          int& steps) const;

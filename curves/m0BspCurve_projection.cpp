@@ -18,7 +18,16 @@ constexpr int max_projection_levels = 1100;
 
 }  // namespace
 
-double m0BspCurve::projection(const m03DPoint& q) const
+double m0BspCurve::projection(const m03DPoint& q, long long* evaluations) const
+{
+    long long made = 0;
+    const double t = projection_counted(q, made);
+    if (evaluations)
+        *evaluations += made;
+    return t;
+}
+
+double m0BspCurve::projection_counted(const m03DPoint& q, long long& made) const
 {
     double ta = 0.0;
     double tb = 1.0;
@@ -36,24 +45,26 @@ double m0BspCurve::projection(const m03DPoint& q) const
     }
     const m03DPoint pa = point(ta);
     const m03DPoint pb = point(tb);
+    made += 2;
     if ((pa - pb).module2() >= projection_min_chord2)
-        return projection0(q, ta, pa, tb, pb);
+        return projection0(q, ta, pa, tb, pb, made);
     // The ends meet: a closed loop, searched in two halves.
     const double tm = (ta + tb) / 2;
     const m03DPoint pm = point(tm);
-    const double t1 = projection0(q, ta, pa, tm, pm);
-    const double t2 = projection0(q, tm, pm, tb, pb);
+    const double t1 = projection0(q, ta, pa, tm, pm, made);
+    const double t2 = projection0(q, tm, pm, tb, pb, made);
+    made += 3;
     // Ties go to the second half.
     if ((point(t2) - q).module2() > (point(t1) - q).module2())
         return t1;
     return t2;
 }
 
-// The search the text describes as recursion, run as a loop: each level keeps
-// the half whose chord passes nearer q, or the middle half when both are
-// exactly as near; at the end the parameter is interpolated along the chord.
+// A halving search, run as a loop: each level keeps the half whose chord
+// passes nearer q, or the middle half when both are exactly as near; at the
+// end the parameter is interpolated along the chord.
 double m0BspCurve::projection0(const m03DPoint& q, double t0, m03DPoint p0, double t1,
-                               m03DPoint p1) const
+                               m03DPoint p1, long long& evaluations) const
 {
     for (int level = 0; level < max_projection_levels; level++) {
         if (!((p0 - p1).module2() >= projection_min_chord2 && t1 - t0 >= projection_min_range))
@@ -62,6 +73,7 @@ double m0BspCurve::projection0(const m03DPoint& q, double t0, m03DPoint p0, doub
         if (!(tm > t0 && tm < t1))
             break;
         m03DPoint pm = point(tm);
+        ++evaluations;
         const double d0 = q.min_dist(p0, pm);
         const double d1 = q.min_dist(pm, p1);
         if (d0 == d1) {
@@ -71,6 +83,7 @@ double m0BspCurve::projection0(const m03DPoint& q, double t0, m03DPoint p0, doub
             p0 = point(ta);
             t1 = tb;
             p1 = point(tb);
+            evaluations += 2;
         } else if (d1 > d0) {
             t1 = tm;
             p1 = pm;

@@ -6,6 +6,7 @@
 #include <string>
 #include <unistd.h>
 
+#include "FuzzLimits.h"
 #include "archive/vmiFile.h"
 #include "cli/ArchiveListing.h"
 #include "host/qozUnZip.h"
@@ -17,6 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ArchiveListing listing;
     vmiFile reader;
     reader.set_observer(&listing);
+    reader.set_design_work_limit(fuzz_design_work);
     reader.read(name);
     return 0;
 }

@@ -10,6 +10,7 @@
 
 #include "WalkSink.h"
 #include "archive/vmiObject.h"
+#include "FuzzLimits.h"
 #include "contour/vmiVelmcontur.h"
 #include "grid/vmiBaseGrid.h"
 #include "host/qorabsContext.h"
@@ -57,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // Exactly len bytes, so that a read past the text's end shows.
     std::unique_ptr<char[]> text(new char[static_cast<std::size_t>(len) + (len == 0)]);
     std::memcpy(text.get(), data + 1, static_cast<std::size_t>(len));
-    vmiVelmcontur doc(text.get(), len, 4, base_grid(data[0]));
+    vmiVelmcontur doc(text.get(), len, 4, base_grid(data[0]), fuzz_design_work);
     const qorabsContext context;
     WalkSink sink;
     for (int i = 0; i < doc.no_of_objects(); ++i) {

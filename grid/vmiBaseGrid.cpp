@@ -1,6 +1,7 @@
 #include "grid/vmiBaseGrid.h"
 
 #include "curves/m03DVector.h"
+#include "grid/vmiWorkBudget.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,6 +14,11 @@ int vmiBaseGrid::clamp_index(long long v, int limit)
 
 // ---------------------------------------------------------------------------
 // Construction
+
+bool vmiBaseGrid::charge(long long n)
+{
+    return budget_ == nullptr || budget_->charge(n);
+}
 
 vmiBaseGrid::vmiBaseGrid(vmiBaseGrid& other)
     : x_size_(other.x_size_), y_size_(other.y_size_), d_x_(other.d_x_), d_y_(other.d_y_)

@@ -11,6 +11,7 @@
 class m03DVector;
 class m0BspCurve;
 class vmiPolylineGridMap;
+class vmiWorkBudget;
 
 class vmiBaseGrid {
 public:
@@ -45,6 +46,14 @@ public:
     static constexpr long long max_smoothing_reads = 1LL << 30;
 
     vmiBaseGrid(vmiBaseGrid& other);
+
+    // The budget the grid's heavy passes are charged to (smoothing); null, the
+    // default, charges nothing. A copy starts without one. The grid does not
+    // own it.
+    void set_budget(vmiWorkBudget* budget) { budget_ = budget; }
+    vmiWorkBudget* budget() const { return budget_; }
+    // Charges n units to the budget; false once it is spent (true without one).
+    bool charge(long long n);
     // A size outside size_allowed (negative, or too many nodes) makes an empty grid:
     // no array, x_size = y_size = 0, spacings kept. So does an allocation failure.
     vmiBaseGrid(const int& x_size, const int& y_size, const double& d_x, const double& d_y);
@@ -181,6 +190,7 @@ private:
     // callers may assign through; every access stays within this count whatever
     // they write there.
     long long capacity_ = 0;
+    vmiWorkBudget* budget_ = nullptr;
 };
 
 // The node accessors are defined here so that the grid loops of every layer

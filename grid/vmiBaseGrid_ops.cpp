@@ -128,7 +128,10 @@ double vmiBaseGrid::smoothed_height(const SmoothingHeights& h, int i, int j, int
 
 void vmiBaseGrid::do_smoothing(const int& r)
 {
-    if (smoothing_reads(capacity_, x_size_, y_size_, r) > max_smoothing_reads)
+    // A pass the design's budget cannot take leaves the grid as it is; the
+    // design is then not built.
+    const long long reads = smoothing_reads(capacity_, x_size_, y_size_, r);
+    if (reads > max_smoothing_reads || !charge(reads))
         return;
     // Every mean reads the unsmoothed heights.
     SmoothingHeights h;
@@ -144,24 +147,37 @@ void vmiBaseGrid::do_smoothing(const int& r, vmiPolylineGridMap& map)
 {
     if (smoothing_reads(capacity_, x_size_, y_size_, r) > max_smoothing_reads)
         return;
+    const int first = std::max(map.y_min(), 0);
+    const int last = std::min(map.y_max(), y_size_ - 1);
+    // Inside intervals are k = 1, 3, ...; unlike the modifiers, smoothing
+    // takes the closing crossing node too: kept as designed.
+    auto each_inside = [&](auto at) {
+        for (int j = first; j <= last; j++) {
+            const int* c = map.get_y_intersections(j);
+            if (c == nullptr || c[0] <= 1)
+                continue;
+            for (int k = 1; k < c[0]; k += 2) {
+                const int from = std::max(c[k], 0);
+                const int to = std::min(c[k + 1], x_size_ - 1);
+                if (from <= to)
+                    at(from, to, j);
+            }
+        }
+    };
+    // The pass copies the grid's heights once and reads round every node
+    // inside; one the design's budget cannot take leaves the grid as it is,
+    // and the design is then not built.
+    long long inside = 0;
+    each_inside([&](int from, int to, int) { inside += static_cast<long long>(to) - from + 1; });
+    if (!charge(capacity_ + smoothing_reads(inside, x_size_, y_size_, r)))
+        return;
     SmoothingHeights h;
     if (!smoothing_heights(h, [&map](int a, int b) { return map.is_inside_the_cros_map(a, b); }))
         return;
-    const int first = std::max(map.y_min(), 0);
-    const int last = std::min(map.y_max(), y_size_ - 1);
-    for (int j = first; j <= last; j++) {
-        const int* c = map.get_y_intersections(j);
-        if (c == nullptr || c[0] <= 1)
-            continue;
-        // Inside intervals are k = 1, 3, ...; unlike the modifiers, smoothing
-        // takes the closing crossing node too: kept as designed.
-        for (int k = 1; k < c[0]; k += 2) {
-            const int from = std::max(c[k], 0);
-            const int to = std::min(c[k + 1], x_size_ - 1);
-            for (int i = from; i <= to; i++)
-                set_z(i, j, smoothed_height(h, i, j, r));
-        }
-    }
+    each_inside([&](int from, int to, int j) {
+        for (int i = from; i <= to; i++)
+            set_z(i, j, smoothed_height(h, i, j, r));
+    });
 }
 
 // ---------------------------------------------------------------------------

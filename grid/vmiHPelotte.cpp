@@ -237,7 +237,7 @@ m03DPoint vmiHPelotte::get_point_on_bound(double t)
     return boundary_polyline_->point(lo) * (1 - s) + boundary_polyline_->point(lo + 1) * s;
 }
 
-double vmiHPelotte::height(const int& mode, const int& i, const int& j)
+double vmiHPelotte::height(const int& mode, const int& i, const int& j, long long* evaluations)
 {
     if (mode >= 1 || !profile_)
         return h_;
@@ -250,15 +250,15 @@ double vmiHPelotte::height(const int& mode, const int& i, const int& j)
     // A boundary on the centre (R = 0) puts every node beyond it, at the
     // profile's end height.
     double s = r / R;
-    return height(profile_.get(), s);
+    return height(profile_.get(), s, evaluations);
 }
 
-double vmiHPelotte::height(m0BspCurve* profile, const double& s)
+double vmiHPelotte::height(m0BspCurve* profile, const double& s, long long* evaluations)
 {
     // Without a profile the pad is flat.
     if (profile == nullptr)
         return h_;
-    return relative_profile_height(pelotte_profile_search, *profile, s);
+    return relative_profile_height(pelotte_profile_search, *profile, s, evaluations);
 }
 
 void vmiHPelotte::build_HPelotte(const int& mode, const double& height, const int& smooth)
@@ -267,8 +267,18 @@ void vmiHPelotte::build_HPelotte(const int& mode, const double& height, const in
     init_curves();
     if (!grid_map_)
         return;
+    // Each node is charged to the grid's budget; once it is spent the nodes
+    // left keep their heights and the pad is not smoothed.
+    bool spent = false;
     for_each_inside_node(*grid_map_, [&](int i, int j) {
-        const double v = this->height(mode, i, j);
+        if (spent)
+            return;
+        long long evaluations = 0;
+        const double v = this->height(mode, i, j, &evaluations);
+        if (!grid_->charge(node_work(evaluations))) {
+            spent = true;
+            return;
+        }
         const double z = grid_->point(i, j).z();
         double nz;
         if (mode == 0)
@@ -282,6 +292,6 @@ void vmiHPelotte::build_HPelotte(const int& mode, const double& height, const in
         grid_->set_z(i, j, nz);
     });
     const int r = smoothing_radius(mode, smooth);
-    if (r > 0)
+    if (r > 0 && !spent)
         grid_->do_smoothing(r, *grid_map_);
 }

@@ -37,8 +37,10 @@ private:
     m0BspCurve* create_bsp_curve(m03DVector* pts, const int& order);
     double angle(m03DPoint p);
     m03DPoint get_point_on_bound(double angle);
-    double height(const int& mode, const int& i, const int& j);
-    double height(m0BspCurve* profile, const double& s);
+    // The heights add the curve evaluations they make to *evaluations when
+    // it is given.
+    double height(const int& mode, const int& i, const int& j, long long* evaluations = nullptr);
+    double height(m0BspCurve* profile, const double& s, long long* evaluations = nullptr);
 
     std::unique_ptr<m01DVector> angles_;
     int n_ = 0;

@@ -159,16 +159,19 @@ int vmiHPline::get_param_interval(const double& t)
     return lo;
 }
 
-double vmiHPline::height(m0BspCurve* profile, const double& s)
+double vmiHPline::height(m0BspCurve* profile, const double& s, long long* evaluations)
 {
-    return relative_profile_height(line_profile_search, *profile, s);
+    return relative_profile_height(line_profile_search, *profile, s, evaluations);
 }
 
-double vmiHPline::height(const int& i, const int& j)
+double vmiHPline::height(const int& i, const int& j, long long* evaluations)
 {
+    long long ignored = 0;
+    long long& made = evaluations ? *evaluations : ignored;
     const m03DPoint p(i * grid_->d_x(), j * grid_->d_y(), 0.0);
-    const double t = main_curve_->projection(p);
+    const double t = main_curve_->projection(p, &made);
     const m03DPoint q = main_curve_->point(t);
+    ++made;
     const double r = (p - q).module();
     // Before the first and beyond the last station the end cross-section is
     // read at s as a curve parameter, not searched along its x: kept as
@@ -176,18 +179,21 @@ double vmiHPline::height(const int& i, const int& j)
     if (t <= 0.0) {
         m0BspCurve& first = *profiles_[0];
         const double s = r / profile_width(first);
+        made += 2;
         return first.point(s).y();
     }
     if (t >= 1.0) {
         m0BspCurve& last = *profiles_[n_ - 1];
         const double s = r / profile_width(last);
+        made += 2;
         return last.point(s).y();
     }
     const int k = get_param_interval(t);
     const double f = (t - params_->point(k)) / (params_->point(k + 1) - params_->point(k));
     const double w = (1.0 - f) * profile_width(*profiles_[k]) + f * profile_width(*profiles_[k + 1]);
     const double s = r / w;
-    return height(profiles_[k + 1].get(), s) * f + height(profiles_[k].get(), s) * (1.0 - f);
+    made += 2;
+    return height(profiles_[k + 1].get(), s, &made) * f + height(profiles_[k].get(), s, &made) * (1.0 - f);
 }
 
 // ---------------------------------------------------------------------------
@@ -196,5 +202,5 @@ double vmiHPline::height(const int& i, const int& j)
 void vmiHPline::build_HPlinie(const int& mode)
 {
     combine_inside_nodes(grid_, grid_map_.get(), mode,
-                         [this](int i, int j) { return height(i, j); });
+                         [this](int i, int j, long long& e) { return height(i, j, &e); });
 }

@@ -43,8 +43,10 @@ private:
     void init_curves(const int& n, double* x, double* y, double* px, double* pz);
     m0BspCurve* create_bsp_curve(m03DVector* pts, const int& order);
     int get_param_interval(const double& t);
-    double height(const int& i, const int& j);
-    double height(m0BspCurve* profile, const double& s);
+    // The heights add the curve evaluations they make to *evaluations when
+    // it is given.
+    double height(const int& i, const int& j, long long* evaluations = nullptr);
+    double height(m0BspCurve* profile, const double& s, long long* evaluations = nullptr);
 
     std::unique_ptr<m0BspCurve> main_curve_;
     std::unique_ptr<m01DVector> params_;

@@ -95,19 +95,24 @@ double vmiHPunkt::x_y_dist(m0BspCurve* curve, const double& t)
 // ---------------------------------------------------------------------------
 // Heights
 
-double vmiHPunkt::height(m0BspCurve* profile, const double& d)
+double vmiHPunkt::height(m0BspCurve* profile, const double& d, long long* evaluations)
 {
+    long long ignored = 0;
+    long long& made = evaluations ? *evaluations : ignored;
     // The point's profile is read at an absolute distance and ends within 0.1
     // of either end, unlike the relative ends of the pad and the line.
+    ++made;
     if (d <= 0.1)
         return profile->point(0.0).y();
     const double x_end = profile->point(1.0).x();
-    if (d >= x_end - 0.1)
+    if (d >= x_end - 0.1) {
+        ++made;
         return profile->point(1.0).y();
-    return point_profile_search.height(*profile, d, x_end);
+    }
+    return point_profile_search.height(*profile, d, x_end, &made);
 }
 
-double vmiHPunkt::height(const int& i, const int& j)
+double vmiHPunkt::height(const int& i, const int& j, long long* evaluations)
 {
     const m03DPoint d(i * grid_->d_x() - centre_.x(), j * grid_->d_y() - centre_.y(), 0.0 - 0.0);
     const double u = d.scal_mult(axis_1_) / r1_;
@@ -115,7 +120,7 @@ double vmiHPunkt::height(const int& i, const int& j)
     const double rho = std::sqrt(u * u + v * v);
     // Only the first profile gives the height; the second one's shape never
     // enters it, its width r2 only stretches the distance across the ellipse.
-    return height(profile_1_.get(), rho * r1_);
+    return height(profile_1_.get(), rho * r1_, evaluations);
 }
 
 // ---------------------------------------------------------------------------
@@ -124,5 +129,5 @@ double vmiHPunkt::height(const int& i, const int& j)
 void vmiHPunkt::build_HPunkt(const int& mode)
 {
     combine_inside_nodes(grid_, grid_map_.get(), mode,
-                         [this](int i, int j) { return height(i, j); });
+                         [this](int i, int j, long long& e) { return height(i, j, &e); });
 }

@@ -29,8 +29,10 @@ private:
     friend struct vmiHPunktProbe;  // the tests reach the private steps
 
     void init_curves(const double& alpha, const double& x, const double& y);
-    double height(const int& i, const int& j);
-    double height(m0BspCurve* profile, const double& d);
+    // The heights add the curve evaluations they make to *evaluations when
+    // it is given.
+    double height(const int& i, const int& j, long long* evaluations = nullptr);
+    double height(m0BspCurve* profile, const double& d, long long* evaluations = nullptr);
     double x_y_dist(m0BspCurve* curve, const double& t);
 
     std::unique_ptr<m0BspCurve> bound_curve_;

@@ -22,8 +22,10 @@ struct vmiProfileSearch {
     // that a pad over a whole grid costs at most this many evaluations a node.
     static constexpr int max_steps = 64;
 
-    // The height at x = target, for a profile whose x ends at x_end.
-    double height(const m0BspCurve& profile, const double& target, const double& x_end) const;
+    // The height at x = target, for a profile whose x ends at x_end. The
+    // curve evaluations made are added to *evaluations when it is given.
+    double height(const m0BspCurve& profile, const double& target, const double& x_end,
+                  long long* evaluations = nullptr) const;
 };
 
 // The searches of the pad and the line take a relative radius s (0 at the
@@ -34,6 +36,7 @@ inline constexpr vmiProfileSearch pelotte_profile_search{0.01, 0.01};
 inline constexpr vmiProfileSearch line_profile_search{0.1, 0.05};
 inline constexpr vmiProfileSearch point_profile_search{0.2, 0.05};
 
-// The pad's and the line's search at relative radius s.
+// The pad's and the line's search at relative radius s, counting its curve
+// evaluations into *evaluations when it is given.
 double relative_profile_height(const vmiProfileSearch& search, const m0BspCurve& profile,
-                               const double& s);
+                               const double& s, long long* evaluations = nullptr);

@@ -27,6 +27,7 @@
 #include "contour/vmiVelmCoReader.h"
 #include "contour/vmiVelmcontur.h"
 #include "grid/vmiBaseGrid.h"
+#include "grid/vmiWorkBudget.h"
 #include "tests/support/commandRun.h"
 #include "tests/support/contourText.h"
 #include "tests/support/vlmWriter.h"
@@ -230,6 +231,21 @@ vlm::archive model_archive(const std::string& text, bool with_scan = true)
 vlm::archive model_archive(contour_text t)
 {
     return model_archive(t.end().text());
+}
+
+// A design over a 2048 x 1024 working grid (max_nodes) lowered n times.
+vlm::archive design_work_archive(long long n)
+{
+    contour_text t("0001 design");
+    t.kerneldata(2048, static_cast<int>(vmiBaseGrid::max_nodes / 2048), 0.1, 0.1, 0.0, 0.0);
+    for (long long k = 0; k < n; ++k)
+        t.open_height("HAbzug").key("abzug", 0.01).close_height();
+    return model_archive(t);
+}
+
+long long lowerings_at_max()
+{
+    return vmiWorkBudget::max_design_work / vmiBaseGrid::max_nodes - 1;
 }
 
 // ---- sections, each with the values a test may spoil ----
@@ -675,6 +691,15 @@ std::vector<hostile> contour_faults()
                        return model_archive(t.end().text(), false);
                    },
                    {}});
+    // A working grid of max_nodes lowered again and again: the grid and each
+    // lowering are charged its 2^21 nodes, so max_design_work holds exactly
+    // max_design_work / 2^21 - 1 lowerings; the design with one more is not
+    // built (the scan still is).
+    for (const long long extra : {0LL, 1LL}) {
+        set.push_back({extra == 0 ? "design_work_at_max" : "design_work_past_max",
+                       [extra] { return design_work_archive(lowerings_at_max() + extra); },
+                       {outcome::imports, extra == 0 ? "" : "max_design_work"}});
+    }
     set.push_back(text("contour_spacing_negative",
                        [](contour_text& t) { t.kerneldata(100, 100, -1.0, 1.0, 30.0, 30.0); }));
     set.push_back(text("contour_spacing_zero",
@@ -738,6 +763,21 @@ std::vector<hostile> contour_faults()
 }
 
 class HostileArchivesDump : public testing::TestWithParam<hostile> {};
+
+TEST(HostileArchivesDumpMessages, DesignPastItsWorkBudgetIsNamedAndOneAtItIsNot)
+{
+    // The scan still imports, so dump says nothing; inspect gives the reason.
+    for (const long long extra : {0LL, 1LL}) {
+        const std::string path = vlm::temp_path("design_work_" + std::to_string(extra) + ".vlm");
+        ASSERT_TRUE(design_work_archive(lowerings_at_max() + extra).write(path));
+        const vlm::command_result r =
+            vlm::run_command(std::string(VELMORA_BINARY_DIR) + "/bin/velmora", {"inspect", path});
+        std::remove(path.c_str());
+        EXPECT_EQ(r.status, 0) << r.err;
+        const bool named = r.out.find("skipped: it exceeds vmiWorkBudget::max_design_work") != std::string::npos;
+        EXPECT_EQ(named, extra == 1) << r.out;
+    }
+}
 
 TEST_P(HostileArchivesDump, ImportsWithinTimeAndMemory)
 {
