@@ -2,6 +2,7 @@
 #
 #   bin/velmora                           RUNPATH $ORIGIN/../lib
 #   lib/libvelmora2rnx.so, libqorabs.so   RUNPATH $ORIGIN
+#   lib/libvelmora_cad.so                 the STEP, IGES and DXF writers velmora loads
 #   include/velmora2rnx/host/*.h          the host framework's headers
 #   lib/cmake/velmora2rnx/                find_package(velmora2rnx): velmora2rnx::qorabs
 #                                         and velmora2rnx_PLUGIN, the plug-in's path
@@ -21,6 +22,7 @@ set_target_properties(velmora2rnx qorabs PROPERTIES INSTALL_RPATH "$ORIGIN")
 
 install(TARGETS velmora RUNTIME DESTINATION bin)
 install(TARGETS velmora2rnx LIBRARY DESTINATION ${velmora_install_lib})
+install(TARGETS velmora_cad_module LIBRARY DESTINATION ${velmora_install_lib})
 install(TARGETS qorabs EXPORT velmora2rnxTargets LIBRARY DESTINATION ${velmora_install_lib})
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/host/ DESTINATION ${velmora_install_include}/host
         FILES_MATCHING PATTERN "*.h")

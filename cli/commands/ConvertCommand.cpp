@@ -21,14 +21,12 @@
 #include "cli/SplitOutput.h"
 #include "cli/StandardInput.h"
 #include "cli/commands/BatchConvert.h"
-#include "cli/writers/DxfWriter.h"
+#include "cli/writers/CadWriters.h"
 #include "cli/writers/GltfWriter.h"
-#include "cli/writers/IgesWriter.h"
 #include "cli/writers/ObjWriter.h"
 #include "cli/writers/PlyWriter.h"
 #include "cli/writers/SceneCollector.h"
 #include "cli/writers/SolidInsole.h"
-#include "cli/writers/StepWriter.h"
 #include "cli/writers/StlWriter.h"
 #include "cli/writers/ThreeMfWriter.h"
 
@@ -234,9 +232,9 @@ std::string ConvertCommand::write_scene(const Scene& scene, std::ostream& out, F
     case Format::ply: reason = PlyWriter::write(scene, scale, out, style.curves); break;
     case Format::stl: reason = StlWriter::write(scene, scale, out); break;
     case Format::threemf: reason = ThreeMfWriter::write(scene, scale, out); break;
-    case Format::step: reason = StepWriter::write(scene, scale, style.meshes, out); break;
-    case Format::iges: reason = IgesWriter::write(scene, scale, style.meshes, out); break;
-    case Format::dxf: reason = DxfWriter::write(scene, scale, out); break;
+    case Format::step: reason = CadWriters::write(CadWriters::Kind::step, scene, scale, style.meshes, out); break;
+    case Format::iges: reason = CadWriters::write(CadWriters::Kind::iges, scene, scale, style.meshes, out); break;
+    case Format::dxf: reason = CadWriters::write(CadWriters::Kind::dxf, scene, scale, false, out); break;
     case Format::unknown: reason = "unknown output format"; break;
     }
     out.flush();

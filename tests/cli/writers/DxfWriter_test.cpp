@@ -4,7 +4,7 @@
 #include <dxflib/dl_creationadapter.h>
 #include <dxflib/dl_dxf.h>
 
-#include "cli/writers/DxfWriter.h"
+#include "cli/cad/DxfWriter.h"
 #include "tests/cli/writers/exactCurves.h"
 
 namespace {

@@ -28,7 +28,7 @@
 
 #include <map>
 
-#include "cli/writers/OcctScene.h"
+#include "cli/cad/OcctScene.h"
 #include "tests/cli/writers/exactCurves.h"
 
 namespace exact {

@@ -1,4 +1,4 @@
-#include "cli/writers/OcctScene.h"
+#include "cli/cad/OcctScene.h"
 
 #include <map>
 #include <utility>

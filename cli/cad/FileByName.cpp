@@ -1,4 +1,4 @@
-#include "cli/writers/FileByName.h"
+#include "cli/cad/FileByName.h"
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "cli/writers/IgesWriter.h"
+#include "cli/cad/IgesWriter.h"
 
 #include <IGESCAFControl_Writer.hxx>
 #include <IGESControl_Controller.hxx>
@@ -7,7 +7,7 @@
 #include <IGESData_Protocol.hxx>
 #include <Standard_Failure.hxx>
 
-#include "cli/writers/OcctScene.h"
+#include "cli/cad/OcctScene.h"
 
 std::string IgesWriter::write(const Scene& scene, double scale, bool meshes, std::ostream& out)
 {

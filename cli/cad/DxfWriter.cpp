@@ -1,4 +1,4 @@
-#include "cli/writers/DxfWriter.h"
+#include "cli/cad/DxfWriter.h"
 
 #include <dxflib/dl_dxf.h>
 
@@ -7,8 +7,8 @@
 #include <memory>
 #include <vector>
 
-#include "cli/writers/FileByName.h"
-#include "cli/writers/OcctScene.h"
+#include "cli/cad/FileByName.h"
+#include "cli/cad/OcctScene.h"
 #include "cli/writers/SceneText.h"
 
 namespace {
@@ -98,7 +98,10 @@ std::string DxfWriter::write(const Scene& scene, double scale, std::ostream& out
         auto it = layer_of_path.find(item.path);
         if (it == layer_of_path.end()) {
             std::string l = layer_name(item.path.empty() ? std::string() : item.path.back());
-            if (const int n = uses[l]++; n > 0) l += "~" + std::to_string(n + 1);
+            if (const int n = uses[l]++; n > 0) {
+                l += '~';
+                l += std::to_string(n + 1);
+            }
             it = layer_of_path.emplace(item.path, l).first;
             layers.push_back(l);
         }

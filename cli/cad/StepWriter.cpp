@@ -1,4 +1,4 @@
-#include "cli/writers/StepWriter.h"
+#include "cli/cad/StepWriter.h"
 
 #include <STEPCAFControl_Writer.hxx>
 #include <STEPControl_StepModelType.hxx>
@@ -8,7 +8,7 @@
 #include <StepData_StepModel.hxx>
 #include <StepData_StepWriter.hxx>
 
-#include "cli/writers/OcctScene.h"
+#include "cli/cad/OcctScene.h"
 
 std::string StepWriter::write(const Scene& scene, double scale, bool meshes, std::ostream& out)
 {
