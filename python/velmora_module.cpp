@@ -10,8 +10,10 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -82,6 +84,80 @@ py::array values_view(const Owner& owner, const std::vector<double>& v)
 py::str text(const std::string& bytes)
 {
     return py::str(Utf8::from_bytes(bytes));
+}
+
+// A triangle block laid back on the height grid it was made from.
+struct HeightGrid {
+    py::array z;
+    py::tuple origin;
+    py::tuple spacing;
+};
+
+// The most nodes a grid laid back from a block may have: the plug-in's own
+// bound on a grid, so that a block of scattered vertices cannot ask for an
+// unbounded array.
+constexpr long long max_grid_nodes = 1LL << 21;
+
+// The distinct values of v sorted, and the smallest step between two of them
+// (0 with fewer than two).
+double smallest_step(std::vector<double> v, double& first, double& last)
+{
+    std::sort(v.begin(), v.end());
+    v.erase(std::unique(v.begin(), v.end()), v.end());
+    first = v.front();
+    last = v.back();
+    double step = 0.0;
+    for (std::size_t k = 1; k < v.size(); ++k)
+        if (step == 0.0 || v[k] - v[k - 1] < step) step = v[k] - v[k - 1];
+    return step;
+}
+
+// Node index of value x on the axis first + k * step, or -1 when x lies
+// between nodes.
+long long node_of(double x, double first, double step)
+{
+    const double k = std::nearbyint((x - first) / step);
+    if (std::fabs(first + k * step - x) > 1e-6 * step) return -1;
+    return static_cast<long long>(k);
+}
+
+HeightGrid height_grid(const DumpItem& item)
+{
+    const std::vector<giPoint3>& p = item.points;
+    if (p.empty()) throw py::value_error("the triangle block has no vertices");
+    std::vector<double> xs, ys;
+    xs.reserve(p.size());
+    ys.reserve(p.size());
+    for (const giPoint3& q : p) {
+        if (!std::isfinite(q.x()) || !std::isfinite(q.y()) || !std::isfinite(q.z()))
+            throw py::value_error("the triangle block has a vertex that is not finite");
+        xs.push_back(q.x());
+        ys.push_back(q.y());
+    }
+    double x0 = 0, x1 = 0, y0 = 0, y1 = 0;
+    const double dx = smallest_step(xs, x0, x1);
+    const double dy = smallest_step(ys, y0, y1);
+    if (dx <= 0 || dy <= 0) throw py::value_error("the triangle block's vertices span no grid");
+    const long long nx = node_of(x1, x0, dx) + 1;
+    const long long ny = node_of(y1, y0, dy) + 1;
+    if (nx < 2 || ny < 2 || nx > max_grid_nodes / ny)
+        throw py::value_error("the triangle block's vertices lie on no grid of at most 2^21 nodes");
+    py::array_t<double> z({static_cast<py::ssize_t>(ny), static_cast<py::ssize_t>(nx)});
+    double* out = z.mutable_data();
+    std::fill(out, out + nx * ny, std::numeric_limits<double>::quiet_NaN());
+    for (const giPoint3& q : p) {
+        const long long i = node_of(q.x(), x0, dx);
+        const long long j = node_of(q.y(), y0, dy);
+        if (i < 0 || j < 0 || i >= nx || j >= ny)
+            throw py::value_error("the triangle block's vertices lie on no regular grid");
+        double& node = out[j * nx + i];
+        // The walls and floor of an insole's closed solid stand under its
+        // edge nodes: the highest vertex of a node is the surface's.
+        if (std::isnan(node) || q.z() > node) node = q.z();
+    }
+    // The spacing over the whole width, which rounds less than one step.
+    return {z, py::make_tuple(x0, y0), py::make_tuple((x1 - x0) / static_cast<double>(nx - 1),
+                                                      (y1 - y0) / static_cast<double>(ny - 1))};
 }
 
 py::object as_python(const Owner& owner, const DumpItem* item)
@@ -324,6 +400,13 @@ PYBIND11_MODULE(velmora, m)
                                                {static_cast<py::ssize_t>(sizeof(giTriangle)), sizeof(int)});
                                })
         .def(
+            "height_grid", [](const TriBlock& t) { return height_grid(*t.item); },
+            "The block laid back on the height grid it was made from (a new array, not a view): z[j, i] is\n"
+            "the height of the node at origin + (i * spacing[0], j * spacing[1]), NaN where the block has\n"
+            "no vertex. Where several vertices stand on one node (the walls and floor of an insole's\n"
+            "closed solid stand under its edge nodes) the highest, the surface's, is taken. Raises\n"
+            "ValueError when the vertices lie on no regular grid.")
+        .def(
             "to_meshio",
             [](const TriBlock& t) {
                 py::object meshio = py::module_::import("meshio");
@@ -333,6 +416,16 @@ PYBIND11_MODULE(velmora, m)
                 return meshio.attr("Mesh")(self.attr("vertices"), cells);
             },
             "The block as a meshio.Mesh of triangles.");
+
+    py::class_<HeightGrid>(m, "HeightGrid", "A height grid: z (rows along y, columns along x), origin and spacing.")
+        .def_readonly("z", &HeightGrid::z, "Heights, ny x nx; NaN where the grid has no node.")
+        .def_readonly("origin", &HeightGrid::origin, "(x, y) of node z[0, 0].")
+        .def_readonly("spacing", &HeightGrid::spacing, "(dx, dy) between neighbouring nodes.")
+        .def("__repr__", [](const HeightGrid& g) {
+            const py::tuple s = g.spacing;
+            return "HeightGrid " + std::to_string(g.z.shape(1)) + " x " + std::to_string(g.z.shape(0)) + ", spacing " +
+                   SceneText::number(s[0].cast<double>()) + " x " + SceneText::number(s[1].cast<double>());
+        });
 
     py::class_<Curve, Item>(m, "Curve", "A NURBS curve as the host received it.")
         .def_property_readonly("order", [](const Curve& c) { return c.item->nurb ? c.item->nurb->order() : 0; })

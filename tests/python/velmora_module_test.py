@@ -231,6 +231,52 @@ def test_Load_MissingPluginRaisesPluginErrorLikeVelmora(archives, monkeypatch):
     assert e.value.reason.startswith("cannot load the plug-in: ")
 
 
+def test_HeightGrid_FixtureScanHasItsSpacingAndItsMissingNodes(archives):
+    tree = velmora.load(archives / "scan_and_image.vlm")
+    block = next(i for i in tree.walk() if isinstance(i, velmora.TriBlock))
+    g = block.height_grid()
+    # The fixture's scan: 7 x 5 nodes, 2 by 2.5 mm, every sixth code missing.
+    assert g.z.shape == (5, 7)
+    assert g.spacing == (2.0, 2.5)
+    missing = [k for k in range(35) if k % 6 == 5]
+    assert [k for k in range(35) if np.isnan(g.z.flat[k])] == missing
+    # Row by row, the present nodes are the vertices in their order.
+    assert np.array_equal(g.z[~np.isnan(g.z)], block.vertices[:, 2])
+    ox, oy = g.origin
+    assert np.array_equal(block.vertices[0, :2], [ox, oy])
+    assert repr(g) == "HeightGrid 7 x 5, spacing 2 x 2.5"
+
+
+def test_HeightGrid_EveryDemoBlockIsItsVerticesOnTheDesignsGrid(archives):
+    tree = velmora.load(archives / "demo.vlm")
+    blocks = [i for i in tree.walk() if isinstance(i, velmora.TriBlock)]
+    assert blocks
+    for block in blocks:
+        g = block.height_grid()
+        (ox, oy), (dx, dy) = g.origin, g.spacing
+        # The demo's scans and working grids are 1 mm grids.
+        assert abs(dx - 1.0) < 1e-12 and abs(dy - 1.0) < 1e-12, block.name
+        v = block.vertices
+        i = np.rint((v[:, 0] - ox) / dx).astype(int)
+        j = np.rint((v[:, 1] - oy) / dy).astype(int)
+        assert np.allclose(ox + i * dx, v[:, 0], rtol=0, atol=1e-9), block.name
+        assert np.allclose(oy + j * dy, v[:, 1], rtol=0, atol=1e-9), block.name
+        # Each node holds the highest vertex standing on it, and only nodes
+        # with a vertex hold a height.
+        highest = np.full(g.z.shape, -np.inf)
+        np.maximum.at(highest, (j, i), v[:, 2])
+        assert np.array_equal(np.isnan(g.z), np.isinf(highest)), block.name
+        assert np.array_equal(g.z[~np.isnan(g.z)], highest[~np.isinf(highest)]), block.name
+
+
+def test_HeightGrid_ArrayIsTheCallersOwn(archives):
+    tree = velmora.load(archives / "scan_and_image.vlm")
+    block = next(i for i in tree.walk() if isinstance(i, velmora.TriBlock))
+    g = block.height_grid()
+    g.z[0, 0] = 123.0
+    assert block.height_grid().z[0, 0] != 123.0
+
+
 def test_ToMeshio_HoldsTheBlocksVerticesAndTriangles(archives):
     meshio = pytest.importorskip("meshio")
     tree = velmora.load(archives / "scan_and_image.vlm")
