@@ -2,6 +2,7 @@
 // curves are the ones the dump shows, exactly.
 #include <STEPCAFControl_Reader.hxx>
 
+#include "tests/cli/writers/meshReadBack.h"
 #include "tests/cli/writers/occtReadBack.h"
 
 TEST(StepWriter, Write_DemoCurvesReadBackAsTheDumpsBSplines)
@@ -21,4 +22,24 @@ TEST(StepWriter, Write_WithoutCurvesRefusesToWriteAnEmptyFile)
     EXPECT_EQ(r.status, 3);
     EXPECT_NE(r.err.find("no curve to write"), std::string::npos) << r.err;
     EXPECT_FALSE(std::filesystem::exists(out));
+}
+
+TEST(StepWriter, Write_WithMeshesEachTriangleIsAFaceOnTheDumpsVertices)
+{
+    const std::string archive = exact::small_scan_archive("meshes_step.vlm", 6, 4);
+    const std::vector<exact::DumpMesh> meshes = exact::dump_meshes(archive);
+    ASSERT_EQ(meshes.size(), 1u);
+    // 5 x 3 cells of two triangles.
+    EXPECT_EQ(meshes[0].triangles, 30u);
+    const std::string file = exact::convert(archive, "meshes.step", {"--meshes"});
+    exact::expect_meshes_as_faces<STEPCAFControl_Reader>(file, meshes, true);
+}
+
+TEST(StepWriter, Write_WithoutMeshesAScanAloneIsNothingToWrite)
+{
+    const std::string archive = exact::small_scan_archive("no_meshes_step.vlm", 6, 4);
+    const vlm::command_result r =
+        vlm::run_command(exact::velmora(), {"convert", archive, "-o", archive + ".step"});
+    EXPECT_EQ(r.status, 3) << r.err;
+    EXPECT_FALSE(std::filesystem::exists(archive + ".step"));
 }
