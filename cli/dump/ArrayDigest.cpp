@@ -1,6 +1,8 @@
 #include "cli/dump/ArrayDigest.h"
 
+#include <algorithm>
 #include <bit>
+#include <limits>
 #include <cmath>
 #include <cstring>
 #include <type_traits>
@@ -54,12 +56,31 @@ void put_le(unsigned char* p, std::uint64_t v, int n)
     for (int i = 0; i < n; ++i) p[i] = static_cast<unsigned char>(v >> (8 * i));
 }
 
-void bound(ArrayDigest& d, int k, double c)
-{
-    if (!std::isfinite(c)) return;
-    if (!d.lo[k] || c < *d.lo[k]) d.lo[k] = c;
-    if (!d.hi[k] || c > *d.hi[k]) d.hi[k] = c;
-}
+// The least and greatest finite value of each component, kept in plain
+// doubles while the elements pass (the first of equal values stays, -0.0
+// before 0.0 as it came).
+class Bounds {
+public:
+    void take(int k, double c)
+    {
+        if (!std::isfinite(c)) return;
+        lo_[k] = std::min(lo_[k], c);
+        hi_[k] = std::max(hi_[k], c);
+    }
+    void into(ArrayDigest& d) const
+    {
+        for (int k = 0; k < 3; ++k)
+            if (lo_[k] <= hi_[k]) {
+                d.lo[k] = lo_[k];
+                d.hi[k] = hi_[k];
+            }
+    }
+
+private:
+    static constexpr double inf = std::numeric_limits<double>::infinity();
+    double lo_[3] = {inf, inf, inf};
+    double hi_[3] = {-inf, -inf, -inf};
+};
 
 // On a little-endian machine an array of doubles (or of ints) without padding
 // is already the dump's bytes: it is hashed in place.
@@ -73,11 +94,13 @@ ArrayDigest ArrayDigest::of(const std::vector<giPoint3>& v)
 {
     ArrayDigest d;
     d.count = v.size();
+    Bounds bounds;
     for (const giPoint3& p : v) {
-        bound(d, 0, p.x());
-        bound(d, 1, p.y());
-        bound(d, 2, p.z());
+        bounds.take(0, p.x());
+        bounds.take(1, p.y());
+        bounds.take(2, p.z());
     }
+    bounds.into(d);
     Blocks b;
     if constexpr (hashed_in_place<giPoint3, double, 3>) {
         b.sha().update(v.data(), v.size() * sizeof(giPoint3));
@@ -98,11 +121,13 @@ ArrayDigest ArrayDigest::of(const std::vector<giTriangle>& v)
     ArrayDigest d;
     d.integers = true;
     d.count = v.size();
+    Bounds bounds;
     for (const giTriangle& t : v) {
-        bound(d, 0, t.a());
-        bound(d, 1, t.b());
-        bound(d, 2, t.c());
+        bounds.take(0, t.a());
+        bounds.take(1, t.b());
+        bounds.take(2, t.c());
     }
+    bounds.into(d);
     Blocks b;
     if constexpr (hashed_in_place<giTriangle, std::int32_t, 3>) {
         b.sha().update(v.data(), v.size() * sizeof(giTriangle));
@@ -124,16 +149,18 @@ ArrayDigest ArrayDigest::of(const std::vector<giColour>& v)
     d.integers = true;
     d.count = v.size();
     Blocks b;
+    Bounds bounds;
     for (const giColour& c : v) {
-        bound(d, 0, c.r());
-        bound(d, 1, c.g());
-        bound(d, 2, c.b());
+        bounds.take(0, c.r());
+        bounds.take(1, c.g());
+        bounds.take(2, c.b());
         // The alpha byte is not part of what the dump shows.
         unsigned char* q = b.room(3);
         q[0] = static_cast<unsigned char>(c.r());
         q[1] = static_cast<unsigned char>(c.g());
         q[2] = static_cast<unsigned char>(c.b());
     }
+    bounds.into(d);
     d.sha256 = b.finish();
     return d;
 }
@@ -143,7 +170,9 @@ ArrayDigest ArrayDigest::of(const std::vector<double>& v)
     ArrayDigest d;
     d.width = 1;
     d.count = v.size();
-    for (double x : v) bound(d, 0, x);
+    Bounds bounds;
+    for (double x : v) bounds.take(0, x);
+    bounds.into(d);
     Blocks b;
     if constexpr (std::endian::native == std::endian::little) {
         b.sha().update(v.data(), v.size() * sizeof(double));
