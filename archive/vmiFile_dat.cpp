@@ -97,10 +97,29 @@ vmiBaseGrid* vmiFile::create_base_grid()
     m03DPoint* points = new (std::nothrow) m03DPoint[n];
     if (!points)
         return nullptr;
+    // A code is read as int16() reads it: its two bytes, then two zero bytes,
+    // taken as one group by the host's byte order. The handler only places
+    // bytes, so a code's value is that of its first byte alone or'd with
+    // that of its second alone: two tables made once a grid spare a call
+    // per node. A code cut off by the end of the data reads as 0.
+    int first_byte[256], second_byte[256];
+    for (int b = 0; b < 256; ++b) {
+        const unsigned char a[4] = {static_cast<unsigned char>(b), 0, 0, 0};
+        const unsigned char c[4] = {0, static_cast<unsigned char>(b), 0, 0};
+        first_byte[b] = byte_order_.int32(a);
+        second_byte[b] = byte_order_.int32(c);
+    }
+    const auto next_code = [&]() {
+        if (end_ - pos_ < 2)
+            return 0;
+        const int h = first_byte[static_cast<unsigned char>(pos_[0])] | second_byte[static_cast<unsigned char>(pos_[1])];
+        pos_ += 2;
+        return h;
+    };
     // With no column there is nothing to read, however many rows are declared.
     for (int j = 0; nx > 0 && j < ny; ++j) {
         for (int i = 0; i < nx; ++i) {
-            const int h = int16();
+            const int h = next_code();
             float code = static_cast<float>(h);
             // With nodata 0 a zero code is missing; otherwise a zero code is
             // height 1 and the nodata code is missing.
