@@ -63,12 +63,14 @@ public:
                width * height <= max_image_pixels;
     }
     // The most grid nodes and image pixels the tree of one file may hold,
-    // scans, images and the grids of the orthotic models together (about a
-    // second of import). A catalogue may name the same large entry again and
-    // again; a record whose points would pass the budget is skipped. Real
-    // archives hold a few scans and models of well under a million each. No
-    // smaller than the largest image, which would otherwise never be read.
-    static constexpr long long max_tree_points = 1LL << 22;
+    // scans, images and the grids of the orthotic models together. A
+    // catalogue may name the same large entry again and again; a record whose
+    // points would pass the budget is skipped. The costliest import, one scan
+    // of 2^20 nodes named seven times, takes some 0.75 s of processor time and
+    // 230 MB; a patient's archive of a dozen scans, pictures and designs at a
+    // quarter of a millimetre (6.9 million points) fits. No smaller than the
+    // largest image, which would otherwise never be read.
+    static constexpr long long max_tree_points = 7LL << 20;
 
     // The three options in the host's resource table (default 1), read each
     // time a catalogue is turned into nodes.
