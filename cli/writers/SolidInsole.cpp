@@ -44,6 +44,7 @@ std::vector<Tri> top_surface(const SceneMesh& mesh)
     const bool flip = down > up;
     std::vector<Tri> out;
     std::unordered_map<std::uint64_t, bool> used;
+    used.reserve(3 * mesh.triangles.size());
     for (std::size_t k = 0; k < mesh.triangles.size(); ++k) {
         if (flip ? !(turns[k] < 0.0) : !(turns[k] > 0.0)) continue;
         Tri t = mesh.triangles[k];
@@ -67,6 +68,7 @@ struct Boundary {
 Boundary boundary_of(const std::vector<Tri>& tris)
 {
     std::unordered_map<std::uint64_t, bool> directed;
+    directed.reserve(3 * tris.size());
     for (const Tri& t : tris)
         for (int k = 0; k < 3; ++k) directed[edge_key(t[k], t[(k + 1) % 3])] = true;
     Boundary b;
@@ -89,28 +91,41 @@ Boundary boundary_of(const std::vector<Tri>& tris)
 std::vector<Tri> without_pinches(const std::vector<Tri>& tris, Boundary& b)
 {
     std::unordered_map<std::uint64_t, std::size_t> directed;  // edge -> its triangle
-    std::unordered_map<std::uint32_t, std::vector<std::size_t>> around;
-    for (std::size_t k = 0; k < tris.size(); ++k) {
-        for (int i = 0; i < 3; ++i) {
-            directed[edge_key(tris[k][i], tris[k][(i + 1) % 3])] = k;
-            around[tris[k][i]].push_back(k);
+    directed.reserve(3 * tris.size());
+    std::uint32_t vertices = 0;
+    for (const Tri& t : tris)
+        for (int i = 0; i < 3; ++i) vertices = std::max(vertices, t[i] + 1);
+    // The triangles around each vertex, in their order: those of vertex v are
+    // around[first[v]] ... around[first[v + 1] - 1].
+    std::vector<std::size_t> first(static_cast<std::size_t>(vertices) + 1, 0);
+    for (const Tri& t : tris)
+        for (int i = 0; i < 3; ++i) ++first[t[i] + 1];
+    for (std::size_t v = 0; v < vertices; ++v) first[v + 1] += first[v];
+    std::vector<std::size_t> around(first.back());
+    {
+        std::vector<std::size_t> fill(first.begin(), first.end() - 1);
+        for (std::size_t k = 0; k < tris.size(); ++k) {
+            for (int i = 0; i < 3; ++i) {
+                directed[edge_key(tris[k][i], tris[k][(i + 1) % 3])] = k;
+                around[fill[tris[k][i]]++] = k;
+            }
         }
     }
     // How many boundary edges leave each vertex.
-    std::unordered_map<std::uint32_t, int> out;
+    std::vector<int> out(vertices, 0);
     for (const auto& [e, k] : directed)
         if (!directed.count(edge_key(static_cast<std::uint32_t>(e), static_cast<std::uint32_t>(e >> 32))))
             ++out[static_cast<std::uint32_t>(e >> 32)];
     std::vector<std::uint32_t> work;
-    for (const auto& [v, n] : out)
-        if (n >= 2) work.push_back(v);
-    std::sort(work.begin(), work.end());
+    for (std::uint32_t v = 0; v < vertices; ++v)
+        if (out[v] >= 2) work.push_back(v);
     std::vector<bool> alive(tris.size(), true);
     while (!work.empty()) {
         const std::uint32_t p = work.back();
         work.pop_back();
         if (out[p] < 2) continue;
-        for (std::size_t k : around[p]) {
+        for (std::size_t a = first[p]; a < first[p + 1]; ++a) {
+            const std::size_t k = around[a];
             if (!alive[k]) continue;
             alive[k] = false;
             for (int i = 0; i < 3; ++i) {
