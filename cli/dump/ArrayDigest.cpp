@@ -51,7 +51,7 @@ private:
 };
 
 // Little-endian bytes, whatever the machine's order.
-void put_le(unsigned char* p, std::uint64_t v, int n)
+[[maybe_unused]] void put_le(unsigned char* p, std::uint64_t v, int n)
 {
     for (int i = 0; i < n; ++i) p[i] = static_cast<unsigned char>(v >> (8 * i));
 }

@@ -66,14 +66,6 @@ contour_text& lowering(contour_text& t)
     return t.open_height("HAbzug").key("abzug", 1.0).close_height();
 }
 
-std::vector<double> heights(vmiBaseGrid& g)
-{
-    std::vector<double> z;
-    for (int j = 0; j < g.y_size(); ++j)
-        for (int i = 0; i < g.x_size(); ++i)
-            z.push_back(g.point(i, j).z());
-    return z;
-}
 
 }  // namespace
 
@@ -129,7 +121,7 @@ TEST(vmiVelmcontur, Budget_OnceSpentTheSectionsLeftArePassedOver)
     // Only the first lowering ran: the grid is one unit down, not three.
     auto reference = parse(one.text());
     ASSERT_NE(cut->working_grid(), nullptr);
-    EXPECT_EQ(heights(*cut->working_grid()), heights(*reference->working_grid()));
+    EXPECT_EQ(all_z(*cut->working_grid()), all_z(*reference->working_grid()));
     int lowerings = 0;
     for (int i = 0; i < cut->sections().size(); ++i)
         lowerings += cut->sections()[i].str() == "HAbzug";

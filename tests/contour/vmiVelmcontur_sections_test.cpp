@@ -341,20 +341,11 @@ double z_at(vmiVelmcontur& doc, int i, int j)
     return doc.working_grid()->point(i, j).z();
 }
 
-// Every node's height, row by row.
-std::vector<double> heights(vmiBaseGrid& g)
-{
-    std::vector<double> z;
-    for (int j = 0; j < g.y_size(); ++j)
-        for (int i = 0; i < g.x_size(); ++i)
-            z.push_back(g.point(i, j).z());
-    return z;
-}
 
 std::vector<double> untouched_heights()
 {
     auto doc = on_flat_base(contour_text().end());
-    return heights(*doc->working_grid());
+    return all_z(*doc->working_grid());
 }
 
 // A pad's outline: the rectangle 40 ... 60 in x and y.
@@ -410,7 +401,7 @@ TEST(vmiVelmcontur, HPelotte_OutlineBeforeItsCountIsNullAndChangesNothing)
 {
     contour_text t;
     auto doc = on_flat_base(flat_pad(t, 0, 3.0, true).end());
-    EXPECT_EQ(heights(*doc->working_grid()), untouched_heights());
+    EXPECT_EQ(all_z(*doc->working_grid()), untouched_heights());
 }
 
 TEST(vmiVelmcontur, HPelotte_OnePointOutlineChangesNothing)
@@ -424,7 +415,7 @@ TEST(vmiVelmcontur, HPelotte_OnePointOutlineChangesNothing)
                                 .array("y", {50.0})
                                 .close_height()
                                 .end());
-    EXPECT_EQ(heights(*doc->working_grid()), untouched_heights());
+    EXPECT_EQ(all_z(*doc->working_grid()), untouched_heights());
 }
 
 TEST(vmiVelmcontur, HPelotteS_MergesTheMatrixPlacedByMattAlone)
@@ -444,7 +435,7 @@ TEST(vmiVelmcontur, HPelotteS_MergeKeepsTheHigherHeight)
 {
     contour_text t;
     auto doc = on_flat_base(matrix_pad(t, 1, 2.0).end());
-    EXPECT_EQ(heights(*doc->working_grid()), untouched_heights());
+    EXPECT_EQ(all_z(*doc->working_grid()), untouched_heights());
 }
 
 TEST(vmiVelmcontur, HPelotteS_FlagZeroDropsTheHeightsOnTop)
@@ -479,7 +470,7 @@ TEST(vmiVelmcontur, HPelotteS_WithoutANameChangesNothingButAnEmptyNameApplies)
         return t.array("mata", mata).close_height().end();
     };
     auto unnamed = on_flat_base(text(false));
-    EXPECT_EQ(heights(*unnamed->working_grid()), untouched_heights());
+    EXPECT_EQ(all_z(*unnamed->working_grid()), untouched_heights());
     auto named = on_flat_base(text(true));
     EXPECT_EQ(z_at(*named, 50, 50), 9.0);
 }
@@ -499,7 +490,7 @@ TEST(vmiVelmcontur, HPelotteS_MatrixAtItsBoundIsAppliedAndOnePastIsNot)
     auto at_bound = row_pad(vmiVelmcontur::max_pad_matrix_nodes);
     EXPECT_EQ(z_at(*at_bound, 50, 49), 9.0);
     auto past_bound = row_pad(vmiVelmcontur::max_pad_matrix_nodes + 1);
-    EXPECT_EQ(heights(*past_bound->working_grid()), untouched_heights());
+    EXPECT_EQ(all_z(*past_bound->working_grid()), untouched_heights());
 }
 
 TEST(vmiVelmcontur, HPunkt_ReadsFiveValuesPerProfileAndRaisesItsCentre)
@@ -534,7 +525,7 @@ TEST(vmiVelmcontur, HPunkt_WithAProfileArrayMissingChangesNothing)
                                 .array("xm2", {0, 2.5, 5, 7.5, 10})
                                 .close_height()
                                 .end());
-    EXPECT_EQ(heights(*doc->working_grid()), untouched_heights());
+    EXPECT_EQ(all_z(*doc->working_grid()), untouched_heights());
 }
 
 TEST(vmiVelmcontur, HPlinie_WithOneStationChangesNothing)
@@ -548,7 +539,7 @@ TEST(vmiVelmcontur, HPlinie_WithOneStationChangesNothing)
                                 .array("ym", {3, 3, 3, 3, 0})
                                 .close_height()
                                 .end());
-    EXPECT_EQ(heights(*doc->working_grid()), untouched_heights());
+    EXPECT_EQ(all_z(*doc->working_grid()), untouched_heights());
 }
 
 TEST(vmiVelmcontur, HSpreng_AddsMinusZ2BeforeTheBandTheBlendAndHalfAUnitBeyond)
@@ -643,7 +634,7 @@ TEST(vmiVelmcontur, HGloba_WithoutMatChangesNothing)
 {
     auto doc = on_flat_base(
         contour_text().open_height("HGloba").key("minZ", 3.0).key("useMinZ", 1).close_height().end());
-    EXPECT_EQ(heights(*doc->working_grid()), untouched_heights());
+    EXPECT_EQ(all_z(*doc->working_grid()), untouched_heights());
 }
 
 TEST(vmiVelmcontur, HGlaett_FactorOneWithoutBandChangesNothing)
@@ -751,9 +742,9 @@ TEST(vmiVelmcontur, HSprenglinie_WithSelcountZeroChangesNothing)
     auto none = with(0);
     auto contour_only = parse(contour_text().hcontour2("c", x, y).end().text(), 4,
                               flat_grid(41, 41, base_z).release());
-    EXPECT_EQ(heights(*finish_model(*none)->grid()), heights(*finish_model(*contour_only)->grid()));
+    EXPECT_EQ(all_z(*finish_model(*none)->grid()), all_z(*finish_model(*contour_only)->grid()));
     auto one = with(1);
-    EXPECT_NE(heights(*finish_model(*one)->grid()), heights(*finish_model(*contour_only)->grid()));
+    EXPECT_NE(all_z(*finish_model(*one)->grid()), all_z(*finish_model(*contour_only)->grid()));
 }
 
 TEST(vmiVelmcontur, HSprenglinie_WithoutAContourChangesNothing)
@@ -765,7 +756,7 @@ TEST(vmiVelmcontur, HSprenglinie_WithoutAContourChangesNothing)
                                 .int_array("hpos", {10})
                                 .close_height()
                                 .end());
-    EXPECT_EQ(heights(*doc->working_grid()), untouched_heights());
+    EXPECT_EQ(all_z(*doc->working_grid()), untouched_heights());
 }
 
 TEST(vmiVelmcontur, HSprenglinie_NegativeSelcountChangesNothing)
@@ -778,7 +769,7 @@ TEST(vmiVelmcontur, HSprenglinie_NegativeSelcountChangesNothing)
     auto doc = parse(t.text(), 4, flat_grid(41, 41, base_z).release());
     auto contour_only = parse(contour_text().hcontour2("c", x, y).end().text(), 4,
                               flat_grid(41, 41, base_z).release());
-    EXPECT_EQ(heights(*finish_model(*doc)->grid()), heights(*finish_model(*contour_only)->grid()));
+    EXPECT_EQ(all_z(*finish_model(*doc)->grid()), all_z(*finish_model(*contour_only)->grid()));
 }
 
 TEST(vmiVelmcontur, HSprenglinie_LiftsTheStationRowByAboutItsHeight)
@@ -886,7 +877,7 @@ TEST(vmiVelmcontur, HPlinie_LineAtMaxLineStationsIsAppliedAndOnePastIsNot)
     auto at_bound = line_of(vmiVelmcontur::max_line_stations);
     EXPECT_NEAR(z_at(*at_bound, 50, 50), base_z + 3.0, 1e-9);
     auto past_bound = line_of(vmiVelmcontur::max_line_stations + 1);
-    EXPECT_EQ(heights(*past_bound->working_grid()), untouched_heights());
+    EXPECT_EQ(all_z(*past_bound->working_grid()), untouched_heights());
 }
 
 TEST(vmiVelmcontur, HPelotte_OutlineOfMoreThanMaxOutlinePointsIsNotApplied)
@@ -908,7 +899,7 @@ TEST(vmiVelmcontur, HPelotte_OutlineOfMoreThanMaxOutlinePointsIsNotApplied)
     auto at_bound = circle(vmiVelmcontur::max_outline_points);
     EXPECT_EQ(z_at(*at_bound, 50, 50), base_z + 3.0);
     auto past_bound = circle(vmiVelmcontur::max_outline_points + 1);
-    EXPECT_EQ(heights(*past_bound->working_grid()), untouched_heights());
+    EXPECT_EQ(all_z(*past_bound->working_grid()), untouched_heights());
 }
 
 TEST(vmiVelmcontur, HTorsion_WithoutAContourRunsItsAxisToTheSearchsStartValue)
@@ -929,7 +920,7 @@ TEST(vmiVelmcontur, HTorsion_WithoutAContourRunsItsAxisToTheSearchsStartValue)
                                 .close_height()
                                 .end());
     const std::vector<double> before = untouched_heights();
-    const std::vector<double> after = heights(*doc->working_grid());
+    const std::vector<double> after = all_z(*doc->working_grid());
     ASSERT_EQ(after.size(), before.size());
     bool changed = false;
     for (std::size_t k = 0; k < after.size(); ++k) {

@@ -32,3 +32,13 @@ inline std::vector<double> column_z(vmiBaseGrid& g, int i)
         z.push_back(g.point(i, j).z());
     return z;
 }
+
+// Every node's height, row by row.
+inline std::vector<double> all_z(vmiBaseGrid& g)
+{
+    std::vector<double> z;
+    for (int j = 0; j < g.y_size(); j++)
+        for (int i = 0; i < g.x_size(); i++)
+            z.push_back(g.point(i, j).z());
+    return z;
+}
