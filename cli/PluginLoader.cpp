@@ -40,12 +40,17 @@ const std::vector<std::string>& PluginLoader::option_names()
     return names;
 }
 
-std::string PluginLoader::library_path()
+std::string PluginLoader::command_lib_dir()
 {
     std::error_code ec;
     const std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", ec);
-    if (ec) return library_path(std::string());
-    return library_path((exe.parent_path().parent_path() / "lib").string());
+    if (ec) return {};
+    return (exe.parent_path().parent_path() / "lib").string();
+}
+
+std::string PluginLoader::library_path()
+{
+    return library_path(command_lib_dir());
 }
 
 std::string PluginLoader::library_path(const std::string& lib_dir)

@@ -23,6 +23,9 @@ public:
     // The three options a host may set before a read.
     static const std::vector<std::string>& option_names();
 
+    // The folder of the libraries beside the running command, <bin>/../lib;
+    // empty when the command's own path cannot be read.
+    static std::string command_lib_dir();
     // The plug-in file to load: the variable's value when set, else the file
     // next to the running command.
     static std::string library_path();

@@ -3,14 +3,14 @@
 #include <dlfcn.h>
 
 #include <filesystem>
-#include <system_error>
+
+#include "cli/PluginLoader.h"
 
 std::string CadWriters::library_path()
 {
-    std::error_code ec;
-    const std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", ec);
-    if (ec) return library_file;
-    return (exe.parent_path().parent_path() / "lib" / library_file).string();
+    const std::string dir = PluginLoader::command_lib_dir();
+    if (dir.empty()) return library_file;
+    return (std::filesystem::path(dir) / library_file).string();
 }
 
 namespace {
