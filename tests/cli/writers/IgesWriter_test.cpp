@@ -26,20 +26,10 @@ TEST(IgesWriter, Write_IgesExtensionInEitherSpellingWritesIges)
 
 TEST(IgesWriter, Write_WithMeshesEachTriangleIsAFaceOnTheDumpsVertices)
 {
-    const std::string archive = exact::small_scan_archive("meshes_igs.vlm", 6, 4);
-    const std::vector<exact::DumpMesh> meshes = exact::dump_meshes(archive);
-    ASSERT_EQ(meshes.size(), 1u);
-    // 5 x 3 cells of two triangles.
-    EXPECT_EQ(meshes[0].triangles, 30u);
-    const std::string file = exact::convert(archive, "meshes.igs", {"--meshes"});
-    exact::expect_meshes_as_faces<IGESCAFControl_Reader>(file, meshes, false);
+    exact::expect_scan_meshes_read_back<IGESCAFControl_Reader>("igs", false);
 }
 
 TEST(IgesWriter, Write_WithoutMeshesAScanAloneIsNothingToWrite)
 {
-    const std::string archive = exact::small_scan_archive("no_meshes_igs.vlm", 6, 4);
-    const vlm::command_result r =
-        vlm::run_command(exact::velmora(), {"convert", archive, "-o", archive + ".igs"});
-    EXPECT_EQ(r.status, 3) << r.err;
-    EXPECT_FALSE(std::filesystem::exists(archive + ".igs"));
+    exact::expect_scan_alone_refused("igs");
 }

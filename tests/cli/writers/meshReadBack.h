@@ -115,4 +115,27 @@ void expect_meshes_as_faces(const std::string& file, const std::vector<DumpMesh>
     }
 }
 
+// `convert --meshes` of a small scan to a file ending in ext reads back with
+// Reader as the dump's block, one face per triangle.
+template <class Reader>
+void expect_scan_meshes_read_back(const std::string& ext, bool shared)
+{
+    const std::string archive = small_scan_archive("meshes_" + ext + ".vlm", 6, 4);
+    const std::vector<DumpMesh> meshes = dump_meshes(archive);
+    ASSERT_EQ(meshes.size(), 1u);
+    // 5 x 3 cells of two triangles.
+    EXPECT_EQ(meshes[0].triangles, 30u);
+    const std::string file = convert(archive, "meshes." + ext, {"--meshes"});
+    expect_meshes_as_faces<Reader>(file, meshes, shared);
+}
+
+// Without --meshes a scan alone gives nothing to write in ext: exit 3, no file.
+inline void expect_scan_alone_refused(const std::string& ext)
+{
+    const std::string archive = small_scan_archive("no_meshes_" + ext + ".vlm", 6, 4);
+    const vlm::command_result r = vlm::run_command(velmora(), {"convert", archive, "-o", archive + "." + ext});
+    EXPECT_EQ(r.status, 3) << r.err;
+    EXPECT_FALSE(std::filesystem::exists(archive + "." + ext));
+}
+
 }  // namespace exact
