@@ -15,6 +15,8 @@
 
 #include <vector>
 
+class m0HalvingPoints;
+
 class m0BspCurve {
 public:
     // The library's curves are of order 2 to 5. An order above this is taken as
@@ -104,6 +106,11 @@ public:
     // Parameter of the curve point nearest q, by chord bisection. The curve
     // evaluations made are added to *evaluations when it is given.
     double projection(const m03DPoint& q, long long* evaluations = nullptr) const;
+    // The same parameter, bit for bit, taking the points of the search's first
+    // levels from kept (points of this curve) and keeping those it computes
+    // there: for many projections onto one curve. The evaluations counted are
+    // those of projection(), whether a point was kept or computed.
+    double projection(const m03DPoint& q, m0HalvingPoints& kept, long long* evaluations = nullptr) const;
     // point(projection(q)).
     m03DPoint min_dist_point(const m03DPoint& q) const;
     // Reverses the direction in place; knots on [0, u] stay on [0, u].
@@ -149,9 +156,10 @@ private:
     m03DPoint continue_before(double t) const;
     m03DPoint continue_after(double t) const;
     m03DPoint derivative(double t, int der) const;
-    double projection_counted(const m03DPoint& q, long long& made) const;
+    double projection_counted(const m03DPoint& q, m0HalvingPoints* kept, long long& made) const;
+    // node: where the range (t0, t1) stands in kept's tree (0: nowhere).
     double projection0(const m03DPoint& q, double t0, m03DPoint p0, double t1, m03DPoint p1,
-                       long long& evaluations) const;
+                       m0HalvingPoints* kept, unsigned node, long long& evaluations) const;
     // Walks one span of approximate(); returns 0 when the rounds are spent.
     int approximate_span(double a, double b, double tol, m03DPoint& prev, std::vector<m03DPoint>& out,
                          int& steps) const;

@@ -7,10 +7,12 @@
 #include "curves/m03DVector.h"
 #include "curves/m03SplineCurve.h"
 #include "curves/m0BspCurve.h"
+#include "curves/m0HalvingPoints.h"
 #include "grid/vmiBaseGrid.h"
 #include "grid/vmiInsideNodes.h"
 #include "grid/vmiProfileSearch.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -19,12 +21,6 @@ namespace {
 constexpr int profile_points = 5;
 // The outline spline is approximated this closely before it is mapped.
 constexpr double outline_tolerance = 0.5;
-
-// The x of a profile's end point: how far its cross-section reaches.
-double profile_width(const m0BspCurve& profile)
-{
-    return profile.point(1.0).x();
-}
 
 }  // namespace
 
@@ -120,7 +116,7 @@ void vmiHPline::init_curves(const int& n, double* x, double* y, double* px, doub
         const m03DPoint P = main_curve_->point(t);
         const m03DPoint T = main_curve_->tang(t);
         const m03DPoint N = (T * up).single();
-        const double w = profile_width(*profiles_[k]);
+        const double w = profile_end(*profiles_[k], 1).x();
         outline->set_point(k, P - N * w);
         outline->set_point(2 * n - k, P + N * w);
         if (k == 0) {
@@ -138,6 +134,11 @@ void vmiHPline::init_curves(const int& n, double* x, double* y, double* px, doub
         return;
     std::unique_ptr<m03DVector> polyline(bound_curve_->approximate(outline_tolerance));
     grid_map_ = std::make_unique<vmiPolylineGridMap>(grid_, polyline.get());
+
+    main_kept_ = std::make_unique<m0HalvingPoints>(*main_curve_, projection_kept_levels);
+    profile_kept_.resize(std::min(n, max_kept_profiles));
+    for (std::size_t k = 0; k < profile_kept_.size(); k++)
+        profile_kept_[k] = std::make_unique<m0HalvingPoints>(*profiles_[k], vmiProfileSearch::kept_levels);
 }
 
 // ---------------------------------------------------------------------------
@@ -164,12 +165,24 @@ double vmiHPline::height(m0BspCurve* profile, const double& s, long long* evalua
     return relative_profile_height(line_profile_search, *profile, s, evaluations);
 }
 
+double vmiHPline::station_height(int k, const double& s, long long* evaluations)
+{
+    m0HalvingPoints* kept = k < static_cast<int>(profile_kept_.size()) ? profile_kept_[k].get() : nullptr;
+    return relative_profile_height(line_profile_search, *profiles_[k], s, evaluations, kept);
+}
+
+double vmiHPline::profile_width(int k)
+{
+    m0HalvingPoints* kept = k < static_cast<int>(profile_kept_.size()) ? profile_kept_[k].get() : nullptr;
+    return profile_end(*profiles_[k], 1, kept).x();
+}
+
 double vmiHPline::height(const int& i, const int& j, long long* evaluations)
 {
     long long ignored = 0;
     long long& made = evaluations ? *evaluations : ignored;
     const m03DPoint p(i * grid_->d_x(), j * grid_->d_y(), 0.0);
-    const double t = main_curve_->projection(p, &made);
+    const double t = main_kept_ ? main_curve_->projection(p, *main_kept_, &made) : main_curve_->projection(p, &made);
     const m03DPoint q = main_curve_->point(t);
     ++made;
     const double r = (p - q).module();
@@ -177,23 +190,21 @@ double vmiHPline::height(const int& i, const int& j, long long* evaluations)
     // read at s as a curve parameter, not searched along its x: kept as
     // designed, the ends round off differently from the inside.
     if (t <= 0.0) {
-        m0BspCurve& first = *profiles_[0];
-        const double s = r / profile_width(first);
+        const double s = r / profile_width(0);
         made += 2;
-        return first.point(s).y();
+        return profiles_[0]->point(s).y();
     }
     if (t >= 1.0) {
-        m0BspCurve& last = *profiles_[n_ - 1];
-        const double s = r / profile_width(last);
+        const double s = r / profile_width(n_ - 1);
         made += 2;
-        return last.point(s).y();
+        return profiles_[n_ - 1]->point(s).y();
     }
     const int k = get_param_interval(t);
     const double f = (t - params_->point(k)) / (params_->point(k + 1) - params_->point(k));
-    const double w = (1.0 - f) * profile_width(*profiles_[k]) + f * profile_width(*profiles_[k + 1]);
+    const double w = (1.0 - f) * profile_width(k) + f * profile_width(k + 1);
     const double s = r / w;
     made += 2;
-    return height(profiles_[k + 1].get(), s, &made) * f + height(profiles_[k].get(), s, &made) * (1.0 - f);
+    return station_height(k + 1, s, &made) * f + station_height(k, s, &made) * (1.0 - f);
 }
 
 // ---------------------------------------------------------------------------

@@ -5,6 +5,7 @@
 // and the point modifier each search with their own constants, kept as
 // designed; they differ in nothing else.
 #include "curves/m0BspCurve.h"
+#include "curves/m0HalvingPoints.h"
 
 struct vmiProfileSearch {
     // The interval that ends the bisection is tolerance / x_end, x_end being
@@ -22,10 +23,19 @@ struct vmiProfileSearch {
     // that a pad over a whole grid costs at most this many evaluations a node.
     static constexpr int max_steps = 64;
 
+    // The levels of a profile's searches whose points are kept when a
+    // modifier searches one profile at many nodes: a search over a profile
+    // up to 400 times as long as its tolerance ends within them (a pad's
+    // profile of 4 mm, a line's of 40 mm). 2^10 - 1 points, 32 KiB.
+    static constexpr int kept_levels = 10;
+
     // The height at x = target, for a profile whose x ends at x_end. The
     // curve evaluations made are added to *evaluations when it is given.
+    // With kept (points of this profile), the points of the search's tree
+    // are taken from it and kept there: the same bits, fewer evaluations;
+    // the evaluations counted are the same.
     double height(const m0BspCurve& profile, const double& target, const double& x_end,
-                  long long* evaluations = nullptr) const;
+                  long long* evaluations = nullptr, m0HalvingPoints* kept = nullptr) const;
 };
 
 // The searches of the pad and the line take a relative radius s (0 at the
@@ -37,6 +47,12 @@ inline constexpr vmiProfileSearch line_profile_search{0.1, 0.05};
 inline constexpr vmiProfileSearch point_profile_search{0.2, 0.05};
 
 // The pad's and the line's search at relative radius s, counting its curve
-// evaluations into *evaluations when it is given.
+// evaluations into *evaluations when it is given, with the points kept in
+// kept when it is given (points of this profile).
 double relative_profile_height(const vmiProfileSearch& search, const m0BspCurve& profile,
-                               const double& s, long long* evaluations = nullptr);
+                               const double& s, long long* evaluations = nullptr,
+                               m0HalvingPoints* kept = nullptr);
+
+// The profile's point at its start (t 0) or its end (t 1), from kept when it
+// is given and holds points of this profile.
+m03DPoint profile_end(const m0BspCurve& profile, int side, m0HalvingPoints* kept = nullptr);

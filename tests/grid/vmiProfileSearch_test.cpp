@@ -67,3 +67,62 @@ TEST(vmiProfileSearch, RelativeProfileHeight_EndsGiveTheProfilesEndHeights)
     EXPECT_EQ(relative_profile_height(pelotte_profile_search, *profile, 0.999995), 1.0);
     EXPECT_NEAR(relative_profile_height(pelotte_profile_search, *profile, 0.5), 0.5, 0.01 / 8.0);
 }
+
+namespace {
+
+// A curved profile (a quartic over five points, as the line's and the pad's
+// cross-sections are): its parameter is far from its x.
+std::unique_ptr<m0BspCurve> curved_profile()
+{
+    return std::unique_ptr<m0BspCurve>(make_curve(
+        4, {0, 0, 0, 0, 0, 1, 1, 1, 1, 1}, {{0, 3, 0}, {2, 3.5, 0}, {9, 1, 0}, {14, 0.2, 0}, {25, 0, 0}}));
+}
+
+} // namespace
+
+TEST(vmiProfileSearch, Height_WithKeptPoints_SameBitsAndEvaluationsAsWithout)
+{
+    const auto profile = curved_profile();
+    for (const vmiProfileSearch* search : {&pelotte_profile_search, &line_profile_search, &point_profile_search}) {
+        m0HalvingPoints kept(*profile, vmiProfileSearch::kept_levels);
+        // Twice over the targets: the second round reads the kept points.
+        for (int round = 0; round < 2; ++round) {
+            for (double target = -1.0; target <= 26.0; target += 0.013) {
+                long long plain_made = 0, kept_made = 0;
+                const double plain = search->height(*profile, target, 25.0, &plain_made);
+                const double with_kept = search->height(*profile, target, 25.0, &kept_made, &kept);
+                ASSERT_TRUE(same_bits(plain, with_kept)) << target;
+                ASSERT_EQ(plain_made, kept_made) << target;
+            }
+        }
+    }
+}
+
+TEST(vmiProfileSearch, RelativeProfileHeight_WithKeptPoints_SameBitsAsWithout)
+{
+    const auto profile = curved_profile();
+    m0HalvingPoints kept(*profile, vmiProfileSearch::kept_levels);
+    for (double s = -0.1; s <= 1.1; s += 0.0007) {
+        long long plain_made = 0, kept_made = 0;
+        const double plain = relative_profile_height(line_profile_search, *profile, s, &plain_made);
+        const double with_kept = relative_profile_height(line_profile_search, *profile, s, &kept_made, &kept);
+        ASSERT_TRUE(same_bits(plain, with_kept)) << s;
+        ASSERT_EQ(plain_made, kept_made) << s;
+    }
+    EXPECT_TRUE(same_bits(profile_end(*profile, 1, &kept), profile->point(1.0)));
+    EXPECT_TRUE(same_bits(profile_end(*profile, 0, &kept), profile->point(0.0)));
+}
+
+TEST(vmiProfileSearch, Height_PointsKeptForAnotherProfileAreNotUsed)
+{
+    const auto profile = curved_profile();
+    const auto other = straight_profile(25.0);
+    m0HalvingPoints kept_for_other(*other, vmiProfileSearch::kept_levels);
+    for (double target = 0.5; target < 25.0; target += 0.5)
+        (void)line_profile_search.height(*other, target, 25.0, nullptr, &kept_for_other);
+    for (double target = 0.5; target < 25.0; target += 0.5)
+        ASSERT_TRUE(same_bits(line_profile_search.height(*profile, target, 25.0),
+                              line_profile_search.height(*profile, target, 25.0, nullptr, &kept_for_other)))
+            << target;
+    EXPECT_TRUE(same_bits(profile_end(*profile, 1, &kept_for_other), profile->point(1.0)));
+}
