@@ -1,5 +1,7 @@
 #include "archive/vmiObjCloud.h"
 
+#include "grid/vmiPointBox.h"
+
 vmiObjCloud::vmiObjCloud(utString name, m03DPoint* points, int* colours, const int& size)
     : points_(points), size_(size), colours_(colours)
 {
@@ -25,6 +27,13 @@ giBox3 vmiObjCloud::box() const
 {
     if (!image_)
         return box_of(points_, size_);
+    vmiPointBox gathered;
+    for (int k = 0; k < size_; ++k) {
+        const m03DPoint p = point(k);
+        gathered.take(p.x(), p.y(), p.z());
+    }
+    if (gathered.complete())
+        return gathered.box();
     giBox3 box;
     for (int k = 0; k < size_; ++k) {
         const m03DPoint p = point(k);

@@ -1,4 +1,5 @@
 #include "grid/vmiBaseGrid.h"
+#include "grid/vmiPointBox.h"
 
 #include "curves/m03DVector.h"
 #include "grid/vmiWorkBudget.h"
@@ -114,6 +115,18 @@ void vmiBaseGrid::set_z_if_less(const int& i, const int& j, const double& z)
 
 giBox3 vmiBaseGrid::box()
 {
+    if (points_ != nullptr) {
+        vmiPointBox gathered;
+        for (long long k = 0; k < capacity_; k++) {
+            const m03DPoint& p = points_[k];
+            if (p.z() > empty_z)
+                gathered.take(p.x(), p.y(), p.z());
+        }
+        if (gathered.complete())
+            return gathered.box();
+    }
+    // No height at all, or a coordinate that is never a number: the host's
+    // box merged node by node.
     giBox3 b;
     if (points_ != nullptr) {
         for (long long k = 0; k < capacity_; k++) {
