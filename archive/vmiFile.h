@@ -23,6 +23,7 @@
 
 class qorabsContext;
 class vmiBaseGrid;
+class vmiDesignAhead;
 class vmiNode;
 class vmiObject;
 class vmiReadObserver;
@@ -196,6 +197,9 @@ public:
     // The work budget of each design's height sections
     // (vmiWorkBudget::max_design_work; tests and the fuzz targets lower it).
     void set_design_work_limit(long long limit) { design_work_limit_ = limit; }
+    // Whether the next model's design is built on a second thread while a
+    // model record builds its own (on by default; the tree is the same).
+    void set_designs_ahead(bool on) { designs_ahead_ = on; }
 
 private:
     struct vlk_outcome {
@@ -214,6 +218,11 @@ private:
     void fill_level2(const vmiVlkElement& e, fill_state& s);
     void fill_scan(const vmiVlkElement& e, fill_state& s);
     void fill_model(const vmiVlkElement& e, fill_state& s);
+    // A new base grid for model record e (null without one). Moves the cursor.
+    vmiBaseGrid* model_base_grid(const vmiVlkElement& e);
+    // Hands the design of the model record after e, with the identifier it
+    // gets if e is kept, to ahead when it is free. Moves the cursor.
+    void start_ahead(const vmiVlkElement& e, vmiDesignAhead& ahead);
     // The data buffer of entry indx under the cursor when it starts with
     // magic; false (cursor left) otherwise.
     bool select_dat(const int& indx, const char* magic);
@@ -253,6 +262,7 @@ private:
     long long tree_points_ = 0;
     long long point_budget_ = max_tree_points;
     long long design_work_limit_ = vmiWorkBudget::max_design_work;
+    bool designs_ahead_ = true;
     bool scan_on_ = true;
     bool image_on_ = true;
     bool orthotic_on_ = true;

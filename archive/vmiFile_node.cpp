@@ -9,6 +9,7 @@
 #include <new>
 
 #include "archive/vmiArchiveElement.h"
+#include "archive/vmiDesignAhead.h"
 #include "archive/vmiFile.h"
 #include "archive/vmiNode.h"
 #include "archive/vmiObjGrid.h"
@@ -83,6 +84,11 @@ struct vmiFile::fill_state {
     int level_counter = first_scan_level;
     int last_scan_level = 0;
     int scan_offset = 0;
+    // The next model record's design, built on a second thread while a
+    // model record builds its own.
+    vmiDesignAhead ahead;
+
+    explicit fill_state(bool designs_ahead) : ahead(designs_ahead) {}
 };
 
 void vmiFile::read_options()
@@ -99,7 +105,7 @@ void vmiFile::read_options()
 void vmiFile::fill_node()
 {
     read_options();
-    fill_state s;
+    fill_state s(designs_ahead_);
     for (vmiVlkElement* e = catalogue_.first(); e; e = e->next()) {
         if (e->level() == 1)
             fill_level1(*e, s);
@@ -209,6 +215,9 @@ void vmiFile::fill_scan(const vmiVlkElement& e, fill_state& s)
 
 void vmiFile::fill_model(const vmiVlkElement& e, fill_state& s)
 {
+    // The design built ahead for this record, if it was built with the
+    // identifier the record gets now; dropped when the record is skipped.
+    std::unique_ptr<vmiVelmcontur> ahead(s.ahead.take(&e, contour_counter_));
     if (!orthotic_on_ || !s.level2) {
         skip(record_skip(e, orthotic_on_ ? vmiSkipReason::no_group : vmiSkipReason::option_off));
         return;
@@ -219,11 +228,12 @@ void vmiFile::fill_model(const vmiVlkElement& e, fill_state& s)
     if (!s.model_group)
         return;
     set_side(s.side, e.type2());
-    // The height grid comes from the data of the first record numbered
-    // ref_indx; without one the model is built over no grid.
-    vmiVlkElement* ref = catalogue_.get(e.ref_indx());
-    vmiBaseGrid* grid = ref ? get_base_grid(ref->data_indx()) : nullptr;
-    vmiVelmcontur* record = extract_velmcontur_data(e.data_indx(), contour_counter_, grid);
+    vmiVelmcontur* record = ahead.release();
+    if (!record) {
+        // The next model's design is built meanwhile, as if this one is kept.
+        start_ahead(e, s.ahead);
+        record = extract_velmcontur_data(e.data_indx(), contour_counter_, model_base_grid(e));
+    }
     if (!record) {
         if (observer_)
             skip(data_refusal(e, contour_magic));
@@ -254,6 +264,32 @@ void vmiFile::fill_model(const vmiVlkElement& e, fill_state& s)
     node->velmcontur(record);
     s.model_group->add(node);
     ++contour_counter_;
+}
+
+vmiBaseGrid* vmiFile::model_base_grid(const vmiVlkElement& e)
+{
+    // The height grid comes from the data of the first record numbered
+    // ref_indx; without one the model is built over no grid.
+    vmiVlkElement* ref = catalogue_.get(e.ref_indx());
+    return ref ? get_base_grid(ref->data_indx()) : nullptr;
+}
+
+void vmiFile::start_ahead(const vmiVlkElement& e, vmiDesignAhead& ahead)
+{
+    if (!ahead.free() || !orthotic_on_)
+        return;
+    const vmiVlkElement* next = e.next();
+    while (next && !(next->level() == 3 && next->type1() == 3))
+        next = next->next();
+    if (!next)
+        return;
+    // Its text is checked and its grid read here, as the record would.
+    vmiBaseGrid* grid = model_base_grid(*next);
+    if (!select_dat(next->data_indx(), contour_magic)) {
+        delete grid;
+        return;
+    }
+    ahead.start(next, start_, len_, contour_counter_ + 1, grid, design_work_limit_);
 }
 
 bool vmiFile::select_dat(const int& indx, const char* magic)
