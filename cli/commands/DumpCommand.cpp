@@ -80,6 +80,7 @@ int DumpCommand::run(std::ostream& out, std::ostream& err) const
     doc.identity = plugin.identity();
     DumpSink sink(summary);
     const PluginLoader::Outcome outcome = plugin.import_archive(file, CommandInputs::plugin_options(options), sink);
+    sink.finish();
     if (outcome == PluginLoader::no_library) {
         CommandInputs::report(err, "dump", plugin.path(), plugin.reason());
         return exit_unreadable;

@@ -90,7 +90,7 @@ constexpr bool hashed_in_place =
 
 } // namespace
 
-ArrayDigest ArrayDigest::of(const std::vector<giPoint3>& v)
+ArrayDigest ArrayDigest::bounds_of(const std::vector<giPoint3>& v)
 {
     ArrayDigest d;
     d.count = v.size();
@@ -101,6 +101,11 @@ ArrayDigest ArrayDigest::of(const std::vector<giPoint3>& v)
         bounds.take(2, p.z());
     }
     bounds.into(d);
+    return d;
+}
+
+std::string ArrayDigest::sha256_of(const std::vector<giPoint3>& v)
+{
     Blocks b;
     if constexpr (hashed_in_place<giPoint3, double, 3>) {
         b.sha().update(v.data(), v.size() * sizeof(giPoint3));
@@ -112,11 +117,10 @@ ArrayDigest ArrayDigest::of(const std::vector<giPoint3>& v)
             put_le(q + 16, std::bit_cast<std::uint64_t>(p.z()), 8);
         }
     }
-    d.sha256 = b.finish();
-    return d;
+    return b.finish();
 }
 
-ArrayDigest ArrayDigest::of(const std::vector<giTriangle>& v)
+ArrayDigest ArrayDigest::bounds_of(const std::vector<giTriangle>& v)
 {
     ArrayDigest d;
     d.integers = true;
@@ -128,6 +132,11 @@ ArrayDigest ArrayDigest::of(const std::vector<giTriangle>& v)
         bounds.take(2, t.c());
     }
     bounds.into(d);
+    return d;
+}
+
+std::string ArrayDigest::sha256_of(const std::vector<giTriangle>& v)
+{
     Blocks b;
     if constexpr (hashed_in_place<giTriangle, std::int32_t, 3>) {
         b.sha().update(v.data(), v.size() * sizeof(giTriangle));
@@ -139,33 +148,38 @@ ArrayDigest ArrayDigest::of(const std::vector<giTriangle>& v)
             put_le(q + 8, static_cast<std::uint32_t>(t.c()), 4);
         }
     }
-    d.sha256 = b.finish();
-    return d;
+    return b.finish();
 }
 
-ArrayDigest ArrayDigest::of(const std::vector<giColour>& v)
+ArrayDigest ArrayDigest::bounds_of(const std::vector<giColour>& v)
 {
     ArrayDigest d;
     d.integers = true;
     d.count = v.size();
-    Blocks b;
     Bounds bounds;
     for (const giColour& c : v) {
         bounds.take(0, c.r());
         bounds.take(1, c.g());
         bounds.take(2, c.b());
+    }
+    bounds.into(d);
+    return d;
+}
+
+std::string ArrayDigest::sha256_of(const std::vector<giColour>& v)
+{
+    Blocks b;
+    for (const giColour& c : v) {
         // The alpha byte is not part of what the dump shows.
         unsigned char* q = b.room(3);
         q[0] = static_cast<unsigned char>(c.r());
         q[1] = static_cast<unsigned char>(c.g());
         q[2] = static_cast<unsigned char>(c.b());
     }
-    bounds.into(d);
-    d.sha256 = b.finish();
-    return d;
+    return b.finish();
 }
 
-ArrayDigest ArrayDigest::of(const std::vector<double>& v)
+ArrayDigest ArrayDigest::bounds_of(const std::vector<double>& v)
 {
     ArrayDigest d;
     d.width = 1;
@@ -173,12 +187,16 @@ ArrayDigest ArrayDigest::of(const std::vector<double>& v)
     Bounds bounds;
     for (double x : v) bounds.take(0, x);
     bounds.into(d);
+    return d;
+}
+
+std::string ArrayDigest::sha256_of(const std::vector<double>& v)
+{
     Blocks b;
     if constexpr (std::endian::native == std::endian::little) {
         b.sha().update(v.data(), v.size() * sizeof(double));
     } else {
         for (double x : v) put_le(b.room(8), std::bit_cast<std::uint64_t>(x), 8);
     }
-    d.sha256 = b.finish();
-    return d;
+    return b.finish();
 }

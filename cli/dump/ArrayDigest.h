@@ -26,8 +26,21 @@ struct ArrayDigest {
     std::array<std::optional<double>, 3> lo, hi;
     std::string sha256;  // 64 lower-case hexadecimal digits
 
-    static ArrayDigest of(const std::vector<giPoint3>& v);
-    static ArrayDigest of(const std::vector<giTriangle>& v);
-    static ArrayDigest of(const std::vector<giColour>& v);
-    static ArrayDigest of(const std::vector<double>& v);
+    template <class T>
+    static ArrayDigest of(const std::vector<T>& v)
+    {
+        ArrayDigest d = bounds_of(v);
+        d.sha256 = sha256_of(v);
+        return d;
+    }
+    // The two halves of of(): the digest without its sha256 (count and
+    // bounds), and the sha256 alone.
+    static ArrayDigest bounds_of(const std::vector<giPoint3>& v);
+    static ArrayDigest bounds_of(const std::vector<giTriangle>& v);
+    static ArrayDigest bounds_of(const std::vector<giColour>& v);
+    static ArrayDigest bounds_of(const std::vector<double>& v);
+    static std::string sha256_of(const std::vector<giPoint3>& v);
+    static std::string sha256_of(const std::vector<giTriangle>& v);
+    static std::string sha256_of(const std::vector<giColour>& v);
+    static std::string sha256_of(const std::vector<double>& v);
 };

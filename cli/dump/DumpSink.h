@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cli/dump/ArrayDigest.h"
+#include "cli/dump/DigestQueue.h"
 #include "host/giColour.h"
 #include "host/giPoint3.h"
 #include "host/giTriangle.h"
@@ -46,8 +47,13 @@ struct DumpItem {
 class DumpSink : public qorabsOutputSink {
 public:
     // summary: keep each array's digest, taken during the walk, instead of a
-    // copy of it; an import's geometry then lives only in the plug-in.
+    // copy of it; an import's geometry then lives only in the plug-in. The
+    // digests are taken on a second thread: finish() before reading them.
     explicit DumpSink(bool summary = false) : summary_(summary) {}
+
+    // Waits for the digests still being taken (summary only); rethrows what
+    // taking them met (storage running out).
+    void finish() { digests_.finish(); }
 
     // The items the walk delivered outside any group: one per translator the
     // host walked.
@@ -67,7 +73,14 @@ private:
     // A new item with attrs and mangled, placed in the open group (or at the top).
     DumpItem& add(DumpItem::Kind kind, const qorabsAttributeSet& attrs, const utString& mangled);
 
+    // Each array's digest into out: queued, or taken at once when it is
+    // too large to copy.
+    template <class T>
+    void digest(const std::vector<T>& v, std::optional<ArrayDigest>& out);
+
     bool summary_;
     std::vector<std::unique_ptr<DumpItem>> top_;
     std::vector<DumpItem*> open_;
+    // Declared after the items it writes to, so that it stops before they go.
+    DigestQueue digests_;
 };

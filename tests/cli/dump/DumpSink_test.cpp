@@ -37,6 +37,7 @@ TEST(DumpSink, SummaryKeepsTheDigestsOfTheArraysInsteadOfACopy)
     DumpSink sink(true);
     sink.triblock(qorabsAttributeSet(), utString("t"), qorabsTranslationStatus(0), block);
     sink.pointcloud(qorabsAttributeSet(), utString("p"), cloud);
+    sink.finish();
     const DumpItem& t = *sink.top()[0];
     EXPECT_TRUE(t.points.empty());
     EXPECT_TRUE(t.triangles.empty());
@@ -57,5 +58,44 @@ TEST(DumpSink, SummaryTakesNoDigestOfAFailedBlock)
     block.features().ensure<giNodeXYZ>()->add(giPoint3(1, 2, 3));
     DumpSink sink(true);
     sink.triblock(qorabsAttributeSet(), utString("t"), qorabsTranslationStatus(1), block);
+    sink.finish();
     EXPECT_FALSE(sink.top()[0]->points_digest.has_value());
+}
+
+TEST(DumpSink, SummaryDigestsWhatTheCallHandedOverNotWhatTheArraysBecomeAfter)
+{
+    // The walk's arrays are valid during the call only: the digest must be of
+    // them as they were then, though it is taken later on another thread.
+    giTriBlock block;
+    for (int k = 0; k < 5000; ++k) block.features().ensure<giNodeXYZ>()->add(giPoint3(k, 2.0 * k, 0.5));
+    for (int k = 0; k + 2 < 5000; ++k) block.features().ensure<giTriArr>()->add(giTriangle(k, k + 1, k + 2));
+    const ArrayDigest vertices = ArrayDigest::of(block.vertices()->values());
+    const ArrayDigest triangles = ArrayDigest::of(block.triangles()->values());
+    DumpSink sink(true);
+    sink.triblock(qorabsAttributeSet(), utString("t"), qorabsTranslationStatus(0), block);
+    for (int k = 0; k < 5000; ++k) block.features().ensure<giNodeXYZ>()->set(k, giPoint3(-1, -1, -1));
+    block.features().ensure<giTriArr>()->clear();
+    sink.finish();
+    EXPECT_EQ(sink.top()[0]->points_digest->sha256, vertices.sha256);
+    EXPECT_EQ(sink.top()[0]->triangles_digest->sha256, triangles.sha256);
+    EXPECT_EQ(sink.top()[0]->triangles_digest->count, 4998u);
+}
+
+TEST(DumpSink, SummaryOfABlockTooLargeToQueueIsTakenInTheCall)
+{
+    // More vertex bytes than the queue holds: digested at once, the same digest.
+    const int n = static_cast<int>(DigestQueue::max_pending_bytes / sizeof(giPoint3)) + 10;
+    giTriBlock block;
+    ASSERT_TRUE(block.features().ensure<giNodeXYZ>()->resize(n));
+    for (int k = 0; k < n; ++k) block.features().ensure<giNodeXYZ>()->set(k, giPoint3(k, 1, 2));
+    block.features().ensure<giTriArr>()->add(giTriangle(0, 1, 2));
+    const ArrayDigest vertices = ArrayDigest::of(block.vertices()->values());
+    DumpSink sink(true);
+    sink.triblock(qorabsAttributeSet(), utString("t"), qorabsTranslationStatus(0), block);
+    // Taken during the call: changing the block afterwards changes nothing,
+    // and there is nothing to wait for.
+    block.features().ensure<giNodeXYZ>()->clear();
+    ASSERT_TRUE(sink.top()[0]->points_digest.has_value());
+    EXPECT_EQ(sink.top()[0]->points_digest->sha256, vertices.sha256);
+    EXPECT_EQ(sink.top()[0]->points_digest->count, static_cast<std::size_t>(n));
 }

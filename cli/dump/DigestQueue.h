@@ -1,0 +1,76 @@
+#pragma once
+// DigestQueue: the summary's digests, taken on a second thread while the walk
+// goes on to the next item.
+//
+// The arrays the walk hands over are valid during the call only, so each is
+// copied into a buffer the queue keeps and reuses; the second thread hashes
+// the copy while the walk converts the next item. At most max_pending_bytes
+// of copies wait at once (the walk waits for room beyond that), and an array
+// larger than that is not queued: take() answers false and the caller digests
+// it at once. finish() waits for every digest handed over; the digests are
+// the ones ArrayDigest::of gives, written where take() was told: the count
+// and bounds at once, the sha256 by the thread.
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <exception>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <variant>
+#include <vector>
+
+#include "cli/dump/ArrayDigest.h"
+
+class DigestQueue {
+public:
+    // Copies of a few items' arrays: the demo's largest block is under a
+    // megabyte. A scan four times as fine (13 MB a block) is digested in
+    // the call instead, so that its copies do not raise the peak by as much.
+    static constexpr std::size_t max_pending_bytes = std::size_t(4) << 20;
+    // Buffers kept for reuse once hashed, of each element type.
+    static constexpr std::size_t max_spares = 2;
+
+    DigestQueue() = default;
+    // Waits for the thread; a digest it could not take is left empty.
+    ~DigestQueue();
+    DigestQueue(const DigestQueue&) = delete;
+    DigestQueue& operator=(const DigestQueue&) = delete;
+
+    // Whether arrays of this many bytes together can be queued: not above
+    // max_pending_bytes, and a second thread is to be had.
+    bool fits(std::size_t bytes) const;
+    // Queues a copy of v, whose digest goes to out, which must stay where it
+    // is until finish(). False when v does not fit: nothing is queued.
+    bool take(const std::vector<giPoint3>& v, std::optional<ArrayDigest>& out);
+    bool take(const std::vector<giTriangle>& v, std::optional<ArrayDigest>& out);
+    bool take(const std::vector<giColour>& v, std::optional<ArrayDigest>& out);
+    // Waits until every queued digest is written; rethrows what the thread
+    // met (storage running out).
+    void finish();
+
+private:
+    using Copy = std::variant<std::vector<giPoint3>, std::vector<giTriangle>, std::vector<giColour>>;
+    struct Job {
+        Copy copy;
+        std::optional<ArrayDigest>* out;
+        std::size_t bytes;
+    };
+    template <class T>
+    bool queue(const std::vector<T>& v, std::optional<ArrayDigest>& out);
+    // A spare buffer of T (empty when none is kept); under the lock.
+    template <class T>
+    std::vector<T> spare();
+    void run();
+    void stop();
+
+    mutable std::mutex mutex_;
+    std::condition_variable changed_;
+    std::deque<Job> jobs_;
+    std::size_t pending_ = 0;  // bytes queued or being hashed
+    bool stopping_ = false;
+    bool no_thread_ = false;   // a thread could not be started: nothing is queued
+    std::exception_ptr failed_;
+    std::vector<Copy> spares_;
+    std::thread thread_;
+};
