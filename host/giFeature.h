@@ -31,12 +31,12 @@ public:
     // stays far below; a count above it is refused rather than allocated.
     static constexpr int max_count = 1 << 26;
 
-    int size() const override { return static_cast<int>(v_.size()); }
+    int size() const override { return count(); }
     void clear() override { v_.clear(); }
 
     int add(const T& e)
     {
-        if (size() >= max_count)
+        if (count() >= max_count)
             return 0;
         try {
             v_.push_back(e);
@@ -56,14 +56,17 @@ public:
         }
         return 1;
     }
-    T get(int i) const { return i >= 0 && i < size() ? v_[static_cast<std::size_t>(i)] : T(); }
+    T get(int i) const { return i >= 0 && i < count() ? v_[static_cast<std::size_t>(i)] : T(); }
     void set(int i, const T& e)
     {
-        if (i >= 0 && i < size())
+        if (i >= 0 && i < count())
             v_[static_cast<std::size_t>(i)] = e;
     }
     const std::vector<T>& values() const { return v_; }
 
 private:
+    // size() without the virtual call: add, get and set run once an element.
+    int count() const { return static_cast<int>(v_.size()); }
+
     std::vector<T> v_;
 };

@@ -24,12 +24,14 @@
 
 class DigestQueue {
 public:
-    // Copies of a few items' arrays: the demo's largest block is under a
-    // megabyte. A scan four times as fine (13 MB a block) is digested in
-    // the call instead, so that its copies do not raise the peak by as much.
-    static constexpr std::size_t max_pending_bytes = std::size_t(4) << 20;
-    // Buffers kept for reuse once hashed, of each element type.
-    static constexpr std::size_t max_spares = 2;
+    // The copies of one of the demo's items (its largest, a block of
+    // 0.87 MB): the thread hashes one item while the walk converts the next.
+    // Every copy waiting raises the import's peak, so a larger item (a scan
+    // four times as fine makes blocks of 13 MB) is digested in the call.
+    static constexpr std::size_t max_pending_bytes = std::size_t(1) << 20;
+    // Buffers kept for reuse once hashed, of each element type: the next
+    // item's copy then lands on pages already there.
+    static constexpr std::size_t max_spares = 1;
 
     DigestQueue() = default;
     // Waits for the thread; a digest it could not take is left empty.
