@@ -5,15 +5,18 @@
 // A model record costs nearly all its design: the height sections applied to
 // a working grid. A design depends on nothing but its contour text, its base
 // grid, its identifier and its work limit, and building one touches nothing
-// of the reader's. So when the reader comes to a model record, it hands the
-// design of the next model record to a second thread before it builds its
-// own, and the two are built at once. The reader still takes the designs in
-// catalogue order and judges each (its work, its points) as before.
+// of the reader's. So the reader keeps a second thread building designs
+// before their records' turn: the first model's from the catalogue's start,
+// while the scans are read; when a record builds its own design, the next
+// model's; and when the thread is still at the record whose turn it is, the
+// reader builds the next model's itself meanwhile and then hands the thread
+// the model after. The reader still takes the designs in catalogue order and
+// judges each (its work, its points) as before.
 //
-// The design built ahead gets the identifier its record will have if the
-// model being built now is kept. When that one is not kept, the identifier is
-// not the record's: the design built ahead is dropped and the record builds
-// its own. Either way the tree is the one a single thread makes, bit for bit.
+// A design built early gets the identifier its record will have if every
+// model before it is kept. When one is not, the identifier is not the
+// record's: the design is dropped and the record builds its own. Either way
+// the tree is the one a single thread makes, bit for bit.
 #include <thread>
 
 class vmiBaseGrid;
@@ -33,6 +36,8 @@ public:
     // Whether a design may be handed over now: enabled, and no design is
     // held or being built.
     bool free() const;
+    // Whether the design held or being built is record's.
+    bool holds(const vmiVlkElement* record) const { return record != nullptr && record == record_; }
     // Builds on a second thread the design of record from length bytes of
     // contour text at data, over grid (taken in every case, may be null),
     // with this identifier and work limit. The text must stay as it is until

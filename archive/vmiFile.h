@@ -220,9 +220,16 @@ private:
     void fill_model(const vmiVlkElement& e, fill_state& s);
     // A new base grid for model record e (null without one). Moves the cursor.
     vmiBaseGrid* model_base_grid(const vmiVlkElement& e);
-    // Hands the design of the model record after e, with the identifier it
-    // gets if e is kept, to ahead when it is free. Moves the cursor.
-    void start_ahead(const vmiVlkElement& e, vmiDesignAhead& ahead);
+    // Hands the design of model record m, with the identifier it gets if
+    // the models before it are kept, to ahead when it is free. Moves the
+    // cursor.
+    void hand_over(const vmiVlkElement& m, int identifier, vmiDesignAhead& ahead);
+    // The design built for model record e before its turn (here or on the
+    // second thread) with the identifier e gets now, or null; a design built
+    // with another identifier is dropped. While the thread finishes e's
+    // design, the next model's is built here, and the thread is then handed
+    // the model after. Moves the cursor.
+    vmiVelmcontur* take_early(const vmiVlkElement& e, fill_state& s);
     // The data buffer of entry indx under the cursor when it starts with
     // magic; false (cursor left) otherwise.
     bool select_dat(const int& indx, const char* magic);

@@ -84,12 +84,43 @@ struct vmiFile::fill_state {
     int level_counter = first_scan_level;
     int last_scan_level = 0;
     int scan_offset = 0;
-    // The next model record's design, built on a second thread while a
-    // model record builds its own.
+    // Designs built before their record's turn: one on a second thread, and
+    // one built here while that thread finishes the record whose turn it is.
     vmiDesignAhead ahead;
+    const vmiVlkElement* early_record = nullptr;
+    int early_identifier = 0;
+    std::unique_ptr<vmiVelmcontur> early;
 
     explicit fill_state(bool designs_ahead) : ahead(designs_ahead) {}
 };
+
+namespace {
+
+bool is_model(const vmiVlkElement& e)
+{
+    return e.level() == 3 && e.type1() == 3;
+}
+
+// The first model record after e (from the catalogue's start when e is null).
+const vmiVlkElement* next_model(const vmiVlk& catalogue, const vmiVlkElement* e)
+{
+    const vmiVlkElement* next = e ? e->next() : catalogue.first();
+    while (next && !is_model(*next))
+        next = next->next();
+    return next;
+}
+
+// The model records from e up to m, e counted and m not: how many
+// identifiers are given out before m's when every one of them is kept.
+int models_before(const vmiVlkElement& e, const vmiVlkElement& m)
+{
+    int n = 0;
+    for (const vmiVlkElement* k = &e; k && k != &m; k = k->next())
+        n += is_model(*k) ? 1 : 0;
+    return n;
+}
+
+}  // namespace
 
 void vmiFile::read_options()
 {
@@ -106,6 +137,9 @@ void vmiFile::fill_node()
 {
     read_options();
     fill_state s(designs_ahead_);
+    // The first model's design starts at once, while the scans are read.
+    if (const vmiVlkElement* first = next_model(catalogue_, nullptr))
+        hand_over(*first, contour_counter_, s.ahead);
     for (vmiVlkElement* e = catalogue_.first(); e; e = e->next()) {
         if (e->level() == 1)
             fill_level1(*e, s);
@@ -215,9 +249,9 @@ void vmiFile::fill_scan(const vmiVlkElement& e, fill_state& s)
 
 void vmiFile::fill_model(const vmiVlkElement& e, fill_state& s)
 {
-    // The design built ahead for this record, if it was built with the
+    // The design built before this record's turn, if it was built with the
     // identifier the record gets now; dropped when the record is skipped.
-    std::unique_ptr<vmiVelmcontur> ahead(s.ahead.take(&e, contour_counter_));
+    std::unique_ptr<vmiVelmcontur> ahead(take_early(e, s));
     if (!orthotic_on_ || !s.level2) {
         skip(record_skip(e, orthotic_on_ ? vmiSkipReason::no_group : vmiSkipReason::option_off));
         return;
@@ -231,7 +265,8 @@ void vmiFile::fill_model(const vmiVlkElement& e, fill_state& s)
     vmiVelmcontur* record = ahead.release();
     if (!record) {
         // The next model's design is built meanwhile, as if this one is kept.
-        start_ahead(e, s.ahead);
+        if (const vmiVlkElement* next = next_model(catalogue_, &e))
+            hand_over(*next, contour_counter_ + 1, s.ahead);
         record = extract_velmcontur_data(e.data_indx(), contour_counter_, model_base_grid(e));
     }
     if (!record) {
@@ -274,22 +309,44 @@ vmiBaseGrid* vmiFile::model_base_grid(const vmiVlkElement& e)
     return ref ? get_base_grid(ref->data_indx()) : nullptr;
 }
 
-void vmiFile::start_ahead(const vmiVlkElement& e, vmiDesignAhead& ahead)
+void vmiFile::hand_over(const vmiVlkElement& m, int identifier, vmiDesignAhead& ahead)
 {
     if (!ahead.free() || !orthotic_on_)
         return;
-    const vmiVlkElement* next = e.next();
-    while (next && !(next->level() == 3 && next->type1() == 3))
-        next = next->next();
-    if (!next)
-        return;
     // Its text is checked and its grid read here, as the record would.
-    vmiBaseGrid* grid = model_base_grid(*next);
-    if (!select_dat(next->data_indx(), contour_magic)) {
+    vmiBaseGrid* grid = model_base_grid(m);
+    if (!select_dat(m.data_indx(), contour_magic)) {
         delete grid;
         return;
     }
-    ahead.start(next, start_, len_, contour_counter_ + 1, grid, design_work_limit_);
+    ahead.start(&m, start_, len_, identifier, grid, design_work_limit_);
+}
+
+vmiVelmcontur* vmiFile::take_early(const vmiVlkElement& e, fill_state& s)
+{
+    if (s.early_record == &e) {
+        s.early_record = nullptr;
+        if (s.early_identifier != contour_counter_)
+            s.early.reset();
+        return s.early.release();
+    }
+    if (!s.ahead.holds(&e))
+        return nullptr;
+    // While the second thread finishes this record's design, the next
+    // model's is built here, as if this one is kept.
+    const vmiVlkElement* next = next_model(catalogue_, &e);
+    if (next && !s.early_record && orthotic_on_) {
+        s.early.reset(extract_velmcontur_data(next->data_indx(), contour_counter_ + 1, model_base_grid(*next)));
+        if (s.early) {
+            s.early_record = next;
+            s.early_identifier = contour_counter_ + 1;
+        }
+    }
+    vmiVelmcontur* design = s.ahead.take(&e, contour_counter_);
+    // The thread is free again: it takes the model after those built.
+    if (const vmiVlkElement* after = next_model(catalogue_, s.early_record ? s.early_record : &e))
+        hand_over(*after, contour_counter_ + models_before(e, *after), s.ahead);
+    return design;
 }
 
 bool vmiFile::select_dat(const int& indx, const char* magic)

@@ -275,3 +275,41 @@ TEST(vmiDesignAhead, DesignAfterARefusedOneIsBuiltAgainWithItsOwnIdentifier)
     EXPECT_NE(alone.find("counter 2"), std::string::npos);
     EXPECT_EQ(three_models_tree(true), alone);
 }
+
+namespace {
+
+// A model before any level-2 group (skipped: its design, started at once on
+// the second thread, is dropped), then two models that are kept.
+std::string skipped_first_tree(bool ahead)
+{
+    vmiFile f;
+    f.set_designs_ahead(ahead);
+    add_entry(f, vmiEntryKind::data, 7, vlm::small_design(true));
+    add_entry(f, vmiEntryKind::data, 8, vlm::small_design(false));
+    const vlm::catalogue c = vlm::catalogue()
+                                 .separator()
+                                 .level1("Client", "Case")
+                                 .level3(3, 1, 0, 101, "nowhere", "", "", 7)
+                                 .level2("Left", "Scans")
+                                 .level3(3, 2, 0, 102, "first", "", "", 8)
+                                 .level3(3, 3, 0, 101, "second", "", "", 7);
+    add_entry(f, vmiEntryKind::catalogue, 0, c.text());
+    f.proc_vlk();
+    std::string out;
+    describe(f.root(), out);
+    out += "counter " + std::to_string(f.contour_counter()) + "\n";
+    f.catalogue().free();
+    f.archive().free();
+    return out;
+}
+
+}  // namespace
+
+TEST(vmiDesignAhead, ModelSkippedBeforeAnyGroupGivesTheSameTree)
+{
+    const std::string alone = skipped_first_tree(false);
+    EXPECT_NE(alone.find("node MODEL_(RIGHT)_first"), std::string::npos);
+    EXPECT_NE(alone.find("design 1"), std::string::npos);
+    EXPECT_NE(alone.find("counter 2"), std::string::npos);
+    EXPECT_EQ(skipped_first_tree(true), alone);
+}
