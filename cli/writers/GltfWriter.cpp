@@ -41,6 +41,10 @@ private:
     int primitive_mesh(tinygltf::Primitive p, const std::string& name);
     int positions(const std::vector<ScenePoint>& points);
     int view(const void* bytes, std::size_t n, std::size_t stride, int target);
+    // A new view of n bytes at the buffer's end, for the caller to fill:
+    // where they go, or null when the buffer cannot take them (the view then
+    // holds none). Written in place, the floats need no array of their own.
+    unsigned char* room(std::size_t n, std::size_t stride, int target, int& index);
     int accessor(int view, int component, int type, std::size_t count, bool normalized);
     int material(int colour);
 
@@ -76,6 +80,13 @@ void ModelBuilder::reserve(const SceneGroup& g)
 
 int ModelBuilder::view(const void* bytes, std::size_t n, std::size_t stride, int target)
 {
+    int index = -1;
+    if (unsigned char* at = room(n, stride, target, index)) std::memcpy(at, bytes, n);
+    return index;
+}
+
+unsigned char* ModelBuilder::room(std::size_t n, std::size_t stride, int target, int& index)
+{
     std::vector<unsigned char>& data = m_.buffers[0].data;
     if (data.size() + n + 3 > max_buffer_bytes) {
         too_large_ = true;
@@ -89,10 +100,10 @@ int ModelBuilder::view(const void* bytes, std::size_t n, std::size_t stride, int
     v.byteLength = n;
     v.byteStride = stride;
     v.target = target;
-    const auto* p = static_cast<const unsigned char*>(bytes);
-    data.insert(data.end(), p, p + n);
+    data.resize(data.size() + n);
     m_.bufferViews.push_back(v);
-    return static_cast<int>(m_.bufferViews.size()) - 1;
+    index = static_cast<int>(m_.bufferViews.size()) - 1;
+    return n > 0 ? data.data() + v.byteOffset : nullptr;
 }
 
 int ModelBuilder::accessor(int view, int component, int type, std::size_t count, bool normalized)
@@ -110,19 +121,21 @@ int ModelBuilder::accessor(int view, int component, int type, std::size_t count,
 
 int ModelBuilder::positions(const std::vector<ScenePoint>& points)
 {
-    std::vector<float> f;
-    f.reserve(points.size() * 3);
     std::vector<double> lo(3, std::numeric_limits<double>::infinity());
     std::vector<double> hi(3, -std::numeric_limits<double>::infinity());
+    int v = -1;
+    unsigned char* at = room(points.size() * 3 * sizeof(float), 0, TINYGLTF_TARGET_ARRAY_BUFFER, v);
     for (const ScenePoint& p : points) {
         for (int c = 0; c < 3; ++c) {
-            const float v = static_cast<float>(p[c]);
-            f.push_back(v);
-            lo[c] = std::min(lo[c], static_cast<double>(v));
-            hi[c] = std::max(hi[c], static_cast<double>(v));
+            const float f = static_cast<float>(p[c]);
+            if (at) {
+                std::memcpy(at, &f, sizeof f);
+                at += sizeof f;
+            }
+            lo[c] = std::min(lo[c], static_cast<double>(f));
+            hi[c] = std::max(hi[c], static_cast<double>(f));
         }
     }
-    const int v = view(f.data(), f.size() * sizeof(float), 0, TINYGLTF_TARGET_ARRAY_BUFFER);
     const int a = accessor(v, TINYGLTF_COMPONENT_TYPE_FLOAT, TINYGLTF_TYPE_VEC3, points.size(), false);
     m_.accessors[static_cast<std::size_t>(a)].minValues = lo;
     m_.accessors[static_cast<std::size_t>(a)].maxValues = hi;
@@ -162,10 +175,11 @@ int ModelBuilder::mesh(const SceneMesh& mesh)
     tinygltf::Primitive p;
     p.mode = TINYGLTF_MODE_TRIANGLES;
     p.attributes["POSITION"] = positions(mesh.vertices);
-    const std::vector<std::array<float, 3>> normals = GltfWriter::vertex_normals(mesh);
+    int normals = -1;
+    if (unsigned char* at = room(mesh.vertices.size() * 3 * sizeof(float), 0, TINYGLTF_TARGET_ARRAY_BUFFER, normals))
+        GltfWriter::vertex_normals(mesh, at);
     p.attributes["NORMAL"] =
-        accessor(view(normals.data(), normals.size() * sizeof(normals[0]), 0, TINYGLTF_TARGET_ARRAY_BUFFER),
-                 TINYGLTF_COMPONENT_TYPE_FLOAT, TINYGLTF_TYPE_VEC3, normals.size(), false);
+        accessor(normals, TINYGLTF_COMPONENT_TYPE_FLOAT, TINYGLTF_TYPE_VEC3, mesh.vertices.size(), false);
     const int v = view(mesh.triangles.data(), mesh.triangles.size() * sizeof(mesh.triangles[0]), 0,
                        TINYGLTF_TARGET_ELEMENT_ARRAY_BUFFER);
     p.indices = accessor(v, TINYGLTF_COMPONENT_TYPE_UNSIGNED_INT, TINYGLTF_TYPE_SCALAR,
@@ -193,13 +207,16 @@ int ModelBuilder::cloud(const ScenePointCloud& cloud)
     p.attributes["POSITION"] = positions(cloud.points);
     // Colours as normalised bytes, each padded to 4 so that every element
     // starts on a 4-byte boundary.
-    std::vector<unsigned char> rgba;
-    rgba.reserve(cloud.colours.size() * 4);
-    for (std::size_t k = 0; k < cloud.points.size(); ++k) {
-        const auto c = cloud.colour(k);
-        rgba.insert(rgba.end(), {c[0], c[1], c[2], 0});
+    int v = -1;
+    if (unsigned char* at = room(cloud.points.size() * 4, 4, TINYGLTF_TARGET_ARRAY_BUFFER, v)) {
+        for (std::size_t k = 0; k < cloud.points.size(); ++k, at += 4) {
+            const auto c = cloud.colour(k);
+            at[0] = c[0];
+            at[1] = c[1];
+            at[2] = c[2];
+            at[3] = 0;
+        }
     }
-    const int v = view(rgba.data(), rgba.size(), 4, TINYGLTF_TARGET_ARRAY_BUFFER);
     p.attributes["COLOR_0"] =
         accessor(v, TINYGLTF_COMPONENT_TYPE_UNSIGNED_BYTE, TINYGLTF_TYPE_VEC3, cloud.points.size(), true);
     return primitive_mesh(std::move(p), cloud.info.name);
@@ -294,6 +311,13 @@ std::string GltfWriter::utf8(const std::string& bytes)
 
 std::vector<std::array<float, 3>> GltfWriter::vertex_normals(const SceneMesh& mesh)
 {
+    std::vector<std::array<float, 3>> out(mesh.vertices.size());
+    vertex_normals(mesh, reinterpret_cast<unsigned char*>(out.data()));
+    return out;
+}
+
+void GltfWriter::vertex_normals(const SceneMesh& mesh, unsigned char* out)
+{
     std::vector<std::array<double, 3>> sum(mesh.vertices.size(), {0.0, 0.0, 0.0});
     for (const auto& t : mesh.triangles) {
         if (t[0] >= sum.size() || t[1] >= sum.size() || t[2] >= sum.size()) continue;
@@ -308,17 +332,14 @@ std::vector<std::array<float, 3>> GltfWriter::vertex_normals(const SceneMesh& me
         for (std::uint32_t i : t)
             for (int k = 0; k < 3; ++k) sum[i][static_cast<std::size_t>(k)] += n[k];
     }
-    std::vector<std::array<float, 3>> out;
-    out.reserve(sum.size());
     for (const auto& n : sum) {
         const double len = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
-        if (!(len > 0.0) || !std::isfinite(len)) {
-            out.push_back({0.0f, 0.0f, 1.0f});
-            continue;
-        }
-        out.push_back({static_cast<float>(n[0] / len), static_cast<float>(n[1] / len), static_cast<float>(n[2] / len)});
+        float f[3] = {0.0f, 0.0f, 1.0f};
+        if (len > 0.0 && std::isfinite(len))
+            for (int k = 0; k < 3; ++k) f[k] = static_cast<float>(n[static_cast<std::size_t>(k)] / len);
+        std::memcpy(out, f, sizeof f);
+        out += sizeof f;
     }
-    return out;
 }
 
 std::vector<std::string> GltfWriter::unique_names(const std::vector<std::string>& names)

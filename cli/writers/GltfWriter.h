@@ -42,6 +42,8 @@ public:
     // the triangles that use the vertex, made unit length; (0, 0, 1) for a
     // vertex no triangle with area uses.
     static std::vector<std::array<float, 3>> vertex_normals(const SceneMesh& mesh);
+    // The same normals written as 12 bytes a vertex (three floats) at out.
+    static void vertex_normals(const SceneMesh& mesh, unsigned char* out);
     // Names for siblings: each as given (in UTF-8), the second and later of
     // the same name with " (2)", " (3)", ..., never one another's.
     static std::vector<std::string> unique_names(const std::vector<std::string>& names);

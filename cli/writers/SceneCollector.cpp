@@ -69,7 +69,11 @@ void SceneCollector::triblock(const qorabsAttributeSet& attrs, const utString& m
     m.info = info_of(attrs, mangled);
     // A vertex without a finite position stands at the origin, and every
     // triangle that uses it is dropped: no file may carry an infinity.
+    // Sized once: a block's arrays are large, and growing them copies.
     std::vector<bool> usable;
+    usable.reserve(block.vertices()->values().size());
+    m.vertices.reserve(block.vertices()->values().size());
+    m.triangles.reserve(block.triangles()->values().size());
     for (const giPoint3& p : block.vertices()->values()) {
         usable.push_back(finite(p));
         m.vertices.push_back(usable.back() ? point_of(p) : ScenePoint{0.0, 0.0, 0.0});
@@ -101,6 +105,7 @@ void SceneCollector::curve(const qorabsAttributeSet& attrs, const utString& mang
     SceneCurve c;
     c.info = info_of(attrs, mangled);
     c.order = curve->order();
+    c.points.reserve(curve->points().size());
     for (const giPoint3& p : curve->points()) c.points.push_back(point_of(p));
     c.weights = curve->weights();
     c.knots = curve->knots();
@@ -118,6 +123,8 @@ void SceneCollector::pointcloud(const qorabsAttributeSet& attrs, const utString&
     c.info = info_of(attrs, mangled);
     const annColArr* colours = data.colours();
     const int n = data.num_points();
+    c.points.reserve(static_cast<std::size_t>(n));
+    c.colours.reserve(static_cast<std::size_t>(n));
     for (int i = 0; i < n; ++i) {
         const giPoint3 p = data.points()->get(i);
         if (!finite(p)) {
