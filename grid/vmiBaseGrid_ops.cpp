@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstring>
 #include <memory>
 
 namespace {
@@ -256,19 +257,49 @@ void vmiBaseGrid::merge_doubled(vmiBaseGrid& src, const double& dx, const double
         if (k < capacity_ && p.z() > points_[k].z())
             points_[k].set_z(p.z());
     };
+    // A merge keeps the greater height, so putting a point that was put
+    // before changes nothing, wherever it lands and whatever came between;
+    // and middle(a, b) is a itself whenever a's coordinates halve exactly
+    // (no subnormal, no overflow). So each source node's four points, its
+    // own and the middles of the refined row and column, are nearly always
+    // one point: it is put the first time it comes, in the refined grid's
+    // order, and a later point with the same bits is passed over.
+    const auto same = [](const m03DPoint& a, const m03DPoint& b) {
+        return std::memcmp(&a, &b, sizeof(m03DPoint)) == 0;
+    };
     m03DPoint B;  // as in doubled(): (0, 0, 0) while the source has one column
     for (int j = 0; j < ys; j++) {
         if (xs >= 2)
             B = src.point(xs - 1, j);
-        for (int odd = j > 0 ? 1 : 0; odd >= 0; odd--) {
+        // The odd row 2j - 1 comes first, from the same source row.
+        if (j > 0) {
             for (int i = 0; i < xs - 1; i++) {
                 const m03DPoint A = src.point(i, j);
                 const m03DPoint M = middle(A, src.point(i + 1, j));
-                put(odd ? middle(A, A) : A);
-                put(odd ? middle(M, M) : M);
+                const m03DPoint a = middle(A, A), m = middle(M, M);
+                put(a);
+                if (!same(m, a))
+                    put(m);
             }
-            put(odd ? middle(B, B) : B);
+            put(middle(B, B));
         }
+        for (int i = 0; i < xs - 1; i++) {
+            const m03DPoint A = src.point(i, j);
+            const m03DPoint M = middle(A, src.point(i + 1, j));
+            if (j > 0) {
+                const m03DPoint a = middle(A, A), m = middle(M, M);
+                if (!same(A, a) && !same(A, m))
+                    put(A);
+                if (!same(M, a) && !same(M, m) && !same(M, A))
+                    put(M);
+            } else {
+                put(A);
+                if (!same(M, A))
+                    put(M);
+            }
+        }
+        if (j == 0 || !same(B, middle(B, B)))
+            put(B);
     }
 }
 

@@ -252,6 +252,33 @@ TEST(vmiBaseGrid, MergeDoubled_SameAsDoubledShiftedAndMerged)
     EXPECT_EQ(signed_heights(merged), signed_heights(expected));
 }
 
+TEST(vmiBaseGrid, MergeDoubled_PointsWhoseMiddlesAreNotThemselvesGiveTheSameAsDoubled)
+{
+    // The refined nodes are middles of a node with itself, which round away
+    // from it for a subnormal coordinate and overflow for one near the
+    // largest double: then the four points of a source node are not one, and
+    // every one of them must still be put. Heights that tie with opposite
+    // zero signs keep the first to come.
+    const double tiny = 4.9406564584124654e-324 * 3;  // a subnormal with its last bit set
+    const double huge = 1.5e308;
+    vmiBaseGrid src(4, 3, 1.0, 1.0);
+    for (int j = 0; j < 3; j++)
+        for (int i = 0; i < 4; i++)
+            src.point(i, j, m03DPoint(i + tiny * (i + j), j - tiny * i, (i + j) % 2 ? tiny * (j + 1) : -0.0));
+    src.point(2, 1, m03DPoint(huge, 1.0, 4.0));
+    src.point(3, 2, m03DPoint(3.0, 2.0, huge));
+    src.point(1, 2, m03DPoint(1.0, 2.0, 0.0));
+    for (const auto& shift : {std::pair{0.0, 0.0}, std::pair{0.25, -0.5}}) {
+        vmiBaseGrid expected(9, 7, 0.5, 0.5);
+        std::unique_ptr<vmiBaseGrid> copy(src.doubled());
+        copy->offset(shift.first, shift.second);
+        expected.merge(*copy);
+        vmiBaseGrid merged(9, 7, 0.5, 0.5);
+        merged.merge_doubled(src, shift.first, shift.second);
+        EXPECT_EQ(signed_heights(merged), signed_heights(expected));
+    }
+}
+
 TEST(vmiBaseGrid, MergeDoubled_SingleColumnMergesZeroPoints)
 {
     // doubled() of one column holds (0, 0, 0) everywhere: one node at the
