@@ -69,7 +69,8 @@ vmiVelmcontur::vmiVelmcontur(char* data, const int& length, const int& identifie
     status_ = 0;
     double xmin = 0.0, xmax = default_x_extent, ymin = 0.0, ymax = default_y_extent;
     if (base_grid_) {
-        giBox3 box = base_grid_->box();
+        base_box_ = base_grid_->box();
+        const giBox3& box = base_box_;
         xmin = box.min().x();
         xmax = box.max().x();
         ymin = box.min().y();
@@ -271,8 +272,7 @@ vmiVelmcontur::make_working_grid(const int& xnum, const int& ynum, const double&
         return grid;
     // The base grid goes in with a margin of randx, randy on the low sides,
     // its lower left corner at (randx, randy).
-    giBox3 box = base_grid_->box();
-    grid->merge_doubled(*base_grid_, randx - box.min().x(), randy - box.min().y());
+    grid->merge_doubled(*base_grid_, randx - base_box_.min().x(), randy - base_box_.min().y());
     return grid;
 }
 

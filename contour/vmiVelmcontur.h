@@ -12,6 +12,7 @@
 #include "curves/m03DPoint.h"
 #include "grid/vmiWorkBudget.h"
 #include "host/coPageArr.h"
+#include "host/giBox3.h"
 #include "host/utString.h"
 
 class m03DVector;
@@ -265,6 +266,8 @@ private:
     double height2_ = 0.0;
     int smoothing_factor_ = 1;
     std::unique_ptr<vmiBaseGrid> base_grid_;
+    // The base grid's box, taken once: nothing changes the base grid.
+    giBox3 base_box_;
     std::unique_ptr<vmiBaseGrid> work_grid_;
     // True while work_grid_ is still to be made with the geometry above.
     bool grid_pending_ = false;

