@@ -24,11 +24,12 @@
 
 class DigestQueue {
 public:
-    // The copies of one of the demo's items (its largest, a block of
-    // 0.87 MB): the thread hashes one item while the walk converts the next.
-    // Every copy waiting raises the import's peak, so a larger item (a scan
-    // four times as fine makes blocks of 13 MB) is digested in the call.
-    static constexpr std::size_t max_pending_bytes = std::size_t(1) << 20;
+    // The copies of two of the demo's items (its largest, a block of
+    // 0.87 MB): the thread hashes one item while the walk converts the next
+    // two, so neither waits for the other at every item. Every copy waiting
+    // raises the import's peak, so a larger item (a scan four times as fine
+    // makes blocks of 13 MB) is digested in the call.
+    static constexpr std::size_t max_pending_bytes = std::size_t(2) << 20;
     // Buffers kept for reuse once hashed, of each element type: the next
     // item's copy then lands on pages already there.
     static constexpr std::size_t max_spares = 1;
