@@ -5,6 +5,7 @@
 #include "archive/vmiArchiveElement.h"
 #include "archive/vmiNode.h"
 #include "archive/vmiReadObserver.h"
+#include "grid/vmiGridMemory.h"
 #include "host/qozUnZip.h"
 
 namespace {
@@ -36,6 +37,9 @@ int vmiFile::num_objects() const
 int vmiFile::read(utString file_name)
 {
     int result = 0;
+    // The grids' arrays let go during the read serve the grids made after
+    // them; what is kept is freed when the read is over.
+    vmiGridMemory::Scope keep_grid_arrays;
     try {
         read_entries(file_name);
         result = num_objects() > 0;

@@ -5,6 +5,7 @@
 #include "archive/vmiArchiveElement.h"
 #include "archive/vmiFile.h"
 #include "grid/vmiBaseGrid.h"
+#include "grid/vmiGridMemory.h"
 
 namespace {
 
@@ -94,7 +95,8 @@ vmiBaseGrid* vmiFile::create_base_grid()
     if (!vmiBaseGrid::size_allowed(nx, ny))
         return nullptr;
     const std::size_t n = static_cast<std::size_t>(nx) * static_cast<std::size_t>(ny);
-    m03DPoint* points = new (std::nothrow) m03DPoint[n];
+    long long held = 0;
+    m03DPoint* points = vmiGridMemory::take(static_cast<long long>(n), &held);
     if (!points)
         return nullptr;
     // A code is read as int16() reads it: its two bytes, then two zero bytes,
@@ -139,9 +141,10 @@ vmiBaseGrid* vmiFile::create_base_grid()
                 m03DPoint(static_cast<double>(x), static_cast<double>(y), static_cast<double>(z));
         }
     }
-    vmiBaseGrid* grid = new (std::nothrow) vmiBaseGrid(points, nx, ny, static_cast<double>(dx), static_cast<double>(dy));
+    vmiBaseGrid* grid =
+        new (std::nothrow) vmiBaseGrid(points, held, nx, ny, static_cast<double>(dx), static_cast<double>(dy));
     if (!grid)
-        delete[] points;
+        vmiGridMemory::give(points, held);
     return grid;
 }
 

@@ -1,6 +1,8 @@
 #pragma once
-// m03DPoint: a point or vector in 3-D, three doubles. Plain value, no virtuals.
+// m03DPoint: a point or vector in 3-D, three doubles. Plain value, no virtuals,
+// trivially copied and destroyed: arrays of points may live in raw storage.
 #include <cmath>
+#include <type_traits>
 
 class m03DPoint {
 public:
@@ -8,7 +10,6 @@ public:
     m03DPoint(const double& x, const double& y, const double& z) : x_(x), y_(y), z_(z) {}
     m03DPoint(const m03DPoint&) = default;
     explicit m03DPoint(const m03DPoint* p) : x_(p->x_), y_(p->y_), z_(p->z_) {}
-    ~m03DPoint() {}
 
     m03DPoint& operator=(const m03DPoint&) = default;
     m03DPoint& operator=(const m03DPoint* p)
@@ -81,3 +82,7 @@ private:
     double y_ = 0.0;
     double z_ = 0.0;
 };
+
+// Grids keep their nodes in storage that is never cleared (see
+// vmiGridMemory): a point must stay plain data.
+static_assert(std::is_trivially_copyable_v<m03DPoint> && std::is_trivially_destructible_v<m03DPoint>);

@@ -1,4 +1,5 @@
 #include "grid/vmiBaseGrid.h"
+#include "grid/vmiGridMemory.h"
 #include "grid/vmiPointBox.h"
 
 #include "curves/m03DVector.h"
@@ -6,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <new>
 
 int vmiBaseGrid::clamp_index(long long v, int limit)
@@ -30,6 +32,12 @@ vmiBaseGrid::vmiBaseGrid(vmiBaseGrid& other)
     }
     if (!allocate())
         return;
+    // The nodes lie alike in both arrays: one copy when the other array
+    // holds them all.
+    if (other.capacity_ >= capacity_) {
+        std::memcpy(static_cast<void*>(points_), other.points_, static_cast<std::size_t>(capacity_) * sizeof(m03DPoint));
+        return;
+    }
     // Row by row, as both arrays lie.
     for (int j = 0; j < y_size_; j++)
         for (int i = 0; i < x_size_; i++)
@@ -59,9 +67,23 @@ vmiBaseGrid::vmiBaseGrid(m03DPoint* points, const int& x_size, const int& y_size
     capacity_ = static_cast<long long>(x_size_) * y_size_;
 }
 
+vmiBaseGrid::vmiBaseGrid(m03DPoint* points, long long held, const int& x_size, const int& y_size,
+                         const double& d_x, const double& d_y)
+    : points_(points), x_size_(x_size), y_size_(y_size), d_x_(d_x), d_y_(d_y), held_(points ? held : 0)
+{
+    if (points_ == nullptr || !size_allowed(x_size_, y_size_)
+        || static_cast<long long>(x_size_) * y_size_ > held_) {
+        make_empty();
+        return;
+    }
+    capacity_ = static_cast<long long>(x_size_) * y_size_;
+}
+
 vmiBaseGrid::~vmiBaseGrid()
 {
-    delete[] points_;
+    // An array of this grid's own goes back for another grid while an
+    // import runs; an adopted one (held_ 0) is freed.
+    vmiGridMemory::give(points_, held_);
 }
 
 // Allocates x_size * y_size nodes; a size beyond the bound or a failed
@@ -73,7 +95,7 @@ bool vmiBaseGrid::allocate()
         return false;
     }
     const long long n = static_cast<long long>(x_size_) * y_size_;
-    points_ = new (std::nothrow) m03DPoint[n];
+    points_ = vmiGridMemory::take(n, &held_);
     if (points_ == nullptr) {
         make_empty();
         return false;
@@ -84,8 +106,9 @@ bool vmiBaseGrid::allocate()
 
 void vmiBaseGrid::make_empty()
 {
-    delete[] points_;
+    vmiGridMemory::give(points_, held_);
     points_ = nullptr;
+    held_ = 0;
     capacity_ = 0;
     x_size_ = 0;
     y_size_ = 0;

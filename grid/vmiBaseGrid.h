@@ -62,6 +62,11 @@ public:
     // a non-null array is still owned and freed.
     vmiBaseGrid(m03DPoint* points, const int& x_size, const int& y_size, const double& d_x,
                 const double& d_y);
+    // Adopts storage from vmiGridMemory::take (held nodes, every one of the
+    // x_size * y_size written); sizes outside size_allowed or beyond held
+    // leave the grid empty, the storage let go.
+    vmiBaseGrid(m03DPoint* points, long long held, const int& x_size, const int& y_size, const double& d_x,
+                const double& d_y);
     ~vmiBaseGrid();
     vmiBaseGrid& operator=(const vmiBaseGrid&) = delete;
 
@@ -190,6 +195,9 @@ private:
     // callers may assign through; every access stays within this count whatever
     // they write there.
     long long capacity_ = 0;
+    // Nodes of the array as it was had from vmiGridMemory, which may be more
+    // than capacity_; 0 for an array the grid adopted.
+    long long held_ = 0;
     vmiWorkBudget* budget_ = nullptr;
 };
 
