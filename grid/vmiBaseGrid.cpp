@@ -117,13 +117,6 @@ void vmiBaseGrid::make_empty()
 // ---------------------------------------------------------------------------
 // Node access
 
-void vmiBaseGrid::set_z(const int& i, const int& j, const double& z)
-{
-    m03DPoint p = point(i, j);
-    p.set_z(z);
-    point(i, j, p);
-}
-
 void vmiBaseGrid::set_z_if_empty(const int& i, const int& j, const double& z)
 {
     if (point(i, j).z() <= empty_z)

@@ -179,6 +179,12 @@ private:
     template <class Inside>
     bool smoothing_heights(SmoothingHeights& h, Inside inside);
     double smoothed_height(const SmoothingHeights& h, int i, int j, int r) const;
+    // Sets every node that each(at) names (at(i, j) for each one, in any
+    // order) to its smoothed height, four nodes whose windows have the same
+    // shape at a time.
+    class SmoothingBatch;
+    template <class Each>
+    void set_smoothed(const SmoothingHeights& h, int r, Each each);
     // Clamps a loop bound into 0 ... limit, computed wide so that b + 1 cannot overflow.
     static int clamp_index(long long v, int limit);
     // Releases the array and leaves a 0 x 0 grid.
@@ -242,4 +248,11 @@ inline void vmiBaseGrid::point(const int& i, const int& j, const m03DPoint& p)
     if (points_ == nullptr || k >= capacity_)
         return;
     points_[k] = p;
+}
+
+inline void vmiBaseGrid::set_z(const int& i, const int& j, const double& z)
+{
+    m03DPoint p = point(i, j);
+    p.set_z(z);
+    point(i, j, p);
 }

@@ -127,6 +127,82 @@ double vmiBaseGrid::smoothed_height(const SmoothingHeights& h, int i, int j, int
     return count == 0 ? 0.0 : sum / count;
 }
 
+// The nodes of a smoothing pass, four at a time. A mean adds the heights of
+// its window column by column, each column row by row, and that order is
+// kept: four windows of the same shape are added side by side, each sum
+// taking its heights in that order, so each is the one smoothed_height
+// gives, bit for bit; the four independent sums only keep the processor
+// busy while one addition waits for the one before it.
+class vmiBaseGrid::SmoothingBatch {
+public:
+    SmoothingBatch(vmiBaseGrid& grid, const SmoothingHeights& h, int r) : g_(grid), h_(h), r_(r) {}
+    ~SmoothingBatch() { flush(); }
+
+    void add(int i, int j)
+    {
+        const int i0 = clamp_index(static_cast<long long>(i) - (static_cast<long long>(r_) - 1), g_.x_size_);
+        const int i1 = clamp_index(static_cast<long long>(i) + r_, g_.x_size_);
+        const int j0 = clamp_index(static_cast<long long>(j) - (static_cast<long long>(r_) - 1), g_.y_size_);
+        const int j1 = clamp_index(static_cast<long long>(j) + r_, g_.y_size_);
+        if (n_ > 0 && (i1 - i0 != columns_ || j1 - j0 != rows_))
+            flush();
+        columns_ = i1 - i0;
+        rows_ = j1 - j0;
+        i_[n_] = i;
+        j_[n_] = j;
+        base_[n_] = static_cast<long long>(i0) * g_.y_size_ + j0;
+        if (++n_ == 4)
+            flush();
+    }
+
+private:
+    void flush()
+    {
+        if (n_ == 4 && columns_ > 0 && rows_ > 0) {
+            double sum[4] = {0.0, 0.0, 0.0, 0.0};
+            int count[4] = {0, 0, 0, 0};
+            const double* z = h_.z.get();
+            const unsigned char* c = h_.counts.get();
+            for (int a = 0; a < columns_; a++) {
+                const long long column = static_cast<long long>(a) * g_.y_size_;
+                const long long k0 = base_[0] + column, k1 = base_[1] + column, k2 = base_[2] + column,
+                                k3 = base_[3] + column;
+                for (int b = 0; b < rows_; b++) {
+                    sum[0] += z[k0 + b];
+                    sum[1] += z[k1 + b];
+                    sum[2] += z[k2 + b];
+                    sum[3] += z[k3 + b];
+                    count[0] += c[k0 + b];
+                    count[1] += c[k1 + b];
+                    count[2] += c[k2 + b];
+                    count[3] += c[k3 + b];
+                }
+            }
+            for (int k = 0; k < 4; k++)
+                g_.set_z(i_[k], j_[k], count[k] == 0 ? 0.0 : sum[k] / count[k]);
+        } else {
+            for (int k = 0; k < n_; k++)
+                g_.set_z(i_[k], j_[k], g_.smoothed_height(h_, i_[k], j_[k], r_));
+        }
+        n_ = 0;
+    }
+
+    vmiBaseGrid& g_;
+    const SmoothingHeights& h_;
+    const int r_;
+    int n_ = 0;
+    int columns_ = 0, rows_ = 0;
+    int i_[4] = {}, j_[4] = {};
+    long long base_[4] = {};
+};
+
+template <class Each>
+void vmiBaseGrid::set_smoothed(const SmoothingHeights& h, int r, Each each)
+{
+    SmoothingBatch batch(*this, h, r);
+    each([&batch](int i, int j) { batch.add(i, j); });
+}
+
 void vmiBaseGrid::do_smoothing(const int& r)
 {
     // A pass the design's budget cannot take leaves the grid as it is; the
@@ -138,10 +214,14 @@ void vmiBaseGrid::do_smoothing(const int& r)
     SmoothingHeights h;
     if (!smoothing_heights(h, [](int, int) { return true; }))
         return;
-    for (int j = 0; j < y_size_; j++)
+    // Each node is set from the heights taken before the pass, so the order
+    // of the nodes does not matter: down each column, as the heights lie.
+    set_smoothed(h, r, [&](auto at) {
         for (int i = 0; i < x_size_; i++)
-            if (point(i, j).z() > valid_z)
-                set_z(i, j, smoothed_height(h, i, j, r));
+            for (int j = 0; j < y_size_; j++)
+                if (point(i, j).z() > valid_z)
+                    at(i, j);
+    });
 }
 
 void vmiBaseGrid::do_smoothing(const int& r, vmiPolylineGridMap& map)
@@ -175,9 +255,11 @@ void vmiBaseGrid::do_smoothing(const int& r, vmiPolylineGridMap& map)
     SmoothingHeights h;
     if (!smoothing_heights(h, [&map](int a, int b) { return map.is_inside_the_cros_map(a, b); }))
         return;
-    each_inside([&](int from, int to, int j) {
-        for (int i = from; i <= to; i++)
-            set_z(i, j, smoothed_height(h, i, j, r));
+    set_smoothed(h, r, [&](auto at) {
+        each_inside([&](int from, int to, int j) {
+            for (int i = from; i <= to; i++)
+                at(i, j);
+        });
     });
 }
 

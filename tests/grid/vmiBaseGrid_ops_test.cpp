@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <initializer_list>
 #include <memory>
 #include <vector>
@@ -134,6 +135,54 @@ TEST(vmiBaseGrid, DoSmoothingMap_SumsEachMeanColumnByColumnOverInsideNodesOnly)
     EXPECT_EQ(g->everage_height(map, 2, 2, 2), 2.5e15);
     g->do_smoothing(2, map);
     EXPECT_EQ(g->point(2, 2).z(), 2.5e15);
+}
+
+TEST(vmiBaseGrid, DoSmoothing_EveryNodeIsItsMeanToTheBitWhereverItsWindowIs)
+{
+    // Heights that round differently in every order, empty nodes, windows
+    // cut by every border and of every radius: each node, in the pass that
+    // sets four at a time, is the mean everage_height gives of the heights
+    // before the pass.
+    for (int r : {1, 2, 3, 4, 6}) {
+        vmiBaseGrid g(23, 17, 1.0, 1.0);
+        for (int j = 0; j < 17; j++)
+            for (int i = 0; i < 23; i++)
+                if ((i * 7 + j * 3) % 5 != 0)
+                    g.set_z(i, j, std::sin(i * 0.7 + j * 1.3) * std::pow(10.0, (i + 2 * j) % 17 - 8));
+        g.set_z(4, 4, -0.0);
+        vmiBaseGrid before(g);
+        g.do_smoothing(r);
+        for (int j = 0; j < 17; j++)
+            for (int i = 0; i < 23; i++) {
+                const double z = before.point(i, j).z();
+                const double expected = z > vmiBaseGrid::valid_z ? before.everage_height(i, j, r) : z;
+                ASSERT_TRUE(std::memcmp(&expected, &g.point(i, j).z(), sizeof(double)) == 0)
+                    << "r " << r << " node " << i << "," << j;
+            }
+    }
+}
+
+TEST(vmiBaseGrid, DoSmoothingMap_EveryInsideNodeIsItsMeanToTheBit)
+{
+    for (int r : {1, 2, 3, 5}) {
+        auto g = flat_grid(20, 16, 0.0);
+        for (int j = 0; j < 16; j++)
+            for (int i = 0; i < 20; i++)
+                g->set_z(i, j, (i + j) % 6 == 0 ? E : std::cos(i * 1.1 - j * 0.4) * std::pow(10.0, (3 * i + j) % 13 - 6));
+        auto outline = rectangle(3, 2, 17, 13);
+        vmiPolylineGridMap map(g.get(), outline.get());
+        vmiBaseGrid before(*g);
+        g->do_smoothing(r, map);
+        for (int j = 0; j < 16; j++)
+            for (int i = 0; i < 20; i++) {
+                const bool inside = map.is_inside_the_cros_map(i, j);
+                if (!inside)
+                    continue;
+                const double expected = before.everage_height(map, i, j, r);
+                ASSERT_TRUE(std::memcmp(&expected, &g->point(i, j).z(), sizeof(double)) == 0)
+                    << "r " << r << " node " << i << "," << j;
+            }
+    }
 }
 
 TEST(vmiBaseGrid, DoSmoothing_GridWhoseSizesOutgrowItsArrayIsLeftAlone)
