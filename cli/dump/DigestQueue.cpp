@@ -59,8 +59,10 @@ bool DigestQueue::queue(const std::vector<T>& v, std::optional<ArrayDigest>& out
                 return false;
             }
         }
-        // Room for the copy: the walk waits while the thread catches up.
-        changed_.wait(lock, [&] { return pending_ == 0 || pending_ + bytes <= max_pending_bytes; });
+        // Without room for the copy the walk does not wait for the thread:
+        // the caller hashes the array itself meanwhile.
+        if (pending_ != 0 && pending_ + bytes > max_pending_bytes)
+            return false;
         pending_ += bytes;
         copy = spare<T>();
     }

@@ -5,11 +5,12 @@
 // The arrays the walk hands over are valid during the call only, so each is
 // copied into a buffer the queue keeps and reuses; the second thread hashes
 // the copy while the walk converts the next item. At most max_pending_bytes
-// of copies wait at once (the walk waits for room beyond that), and an array
-// larger than that is not queued: take() answers false and the caller digests
-// it at once. finish() waits for every digest handed over; the digests are
-// the ones ArrayDigest::of gives, written where take() was told: the count
-// and bounds at once, the sha256 by the thread.
+// of copies wait at once: an array that finds no room (or is larger than
+// that) is not queued, take() answers false and the caller digests it at
+// once, so that both threads hash when the walk is ahead of the thread.
+// finish() waits for every digest handed over; the digests are the ones
+// ArrayDigest::of gives, written where take() was told: the count and
+// bounds at once, the sha256 by the thread.
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -25,10 +26,10 @@
 class DigestQueue {
 public:
     // The copies of two of the demo's items (its largest, a block of
-    // 0.87 MB): the thread hashes one item while the walk converts the next
-    // two, so neither waits for the other at every item. Every copy waiting
-    // raises the import's peak, so a larger item (a scan four times as fine
-    // makes blocks of 13 MB) is digested in the call.
+    // 0.87 MB): the thread hashes one item while the walk converts the
+    // next. Every copy waiting raises the import's peak, so a larger item
+    // (a scan four times as fine makes blocks of 13 MB) is digested in the
+    // call.
     static constexpr std::size_t max_pending_bytes = std::size_t(2) << 20;
     // Buffers kept for reuse once hashed, of each element type: the next
     // item's copy then lands on pages already there.
@@ -44,7 +45,8 @@ public:
     // max_pending_bytes, and a second thread is to be had.
     bool fits(std::size_t bytes) const;
     // Queues a copy of v, whose digest goes to out, which must stay where it
-    // is until finish(). False when v does not fit: nothing is queued.
+    // is until finish(). False when v does not fit, or finds no room now:
+    // nothing is queued.
     bool take(const std::vector<giPoint3>& v, std::optional<ArrayDigest>& out);
     bool take(const std::vector<giTriangle>& v, std::optional<ArrayDigest>& out);
     bool take(const std::vector<giColour>& v, std::optional<ArrayDigest>& out);

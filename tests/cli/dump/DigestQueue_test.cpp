@@ -48,24 +48,50 @@ TEST(DigestQueue, DigestsEqualThoseTakenAtOnceForEveryKind)
 TEST(DigestQueue, ManyMoreBytesThanTheBoundStillGiveEveryDigest)
 {
     if (std::thread::hardware_concurrency() < 2) GTEST_SKIP() << "one processor: nothing is queued";
-    // Each array a quarter of the bound: the walk waits for room again and
-    // again, and the spare buffers are reused.
+    // Each array a quarter of the bound, queued as fast as can be: room runs
+    // out again and again (take() then declines and the array is digested
+    // here), and the spare buffers are reused.
     const int n = static_cast<int>(DigestQueue::max_pending_bytes / 4 / sizeof(giPoint3));
     const int arrays = 24;
     std::vector<std::optional<ArrayDigest>> got(arrays);
     std::vector<std::string> expected;
+    int queued = 0;
     DigestQueue q;
     for (int a = 0; a < arrays; ++a) {
         auto v = std::make_unique<std::vector<giPoint3>>(points(n, a));
         expected.push_back(ArrayDigest::of(*v).sha256);
-        ASSERT_TRUE(q.take(*v, got[a]));
-        // The array is gone at once; its copy is what is hashed.
+        if (q.take(*v, got[a]))
+            ++queued;
+        else
+            got[a] = ArrayDigest::of(*v);
+        // The array is gone at once; a queued one's copy is what is hashed.
     }
+    EXPECT_GT(queued, 0);
     q.finish();
     for (int a = 0; a < arrays; ++a) {
         ASSERT_TRUE(got[a].has_value()) << a;
         EXPECT_EQ(got[a]->sha256, expected[a]) << a;
     }
+}
+
+TEST(DigestQueue, AnArrayFindingNoRoomIsNotQueuedAndTheCallerHashesIt)
+{
+    if (std::thread::hardware_concurrency() < 2) GTEST_SKIP() << "one processor: nothing is queued";
+    // Two arrays of three fifths of the bound each: the second finds no room
+    // while the first waits (a copy of millions of bytes takes longer to
+    // hash than to make), or is queued once the thread has taken the first.
+    const int n = static_cast<int>(DigestQueue::max_pending_bytes * 3 / 5 / sizeof(giPoint3));
+    const std::vector<giPoint3> a = points(n, 1.0), b = points(n, 2.0);
+    std::optional<ArrayDigest> da, db;
+    DigestQueue q;
+    ASSERT_TRUE(q.take(a, da));
+    if (!q.take(b, db)) {
+        EXPECT_FALSE(db.has_value() && !db->sha256.empty());
+        db = ArrayDigest::of(b);
+    }
+    q.finish();
+    EXPECT_EQ(da->sha256, ArrayDigest::of(a).sha256);
+    EXPECT_EQ(db->sha256, ArrayDigest::of(b).sha256);
 }
 
 TEST(DigestQueue, AnArrayAboveTheBoundIsNotQueued)
