@@ -16,7 +16,6 @@
 
 #include <gtest/gtest.h>
 
-#include "archive/vmiArchiveElement.h"
 #include "archive/vmiFile.h"
 #include "archive/vmiNode.h"
 #include "archive/vmiObjGrid.h"
@@ -26,6 +25,7 @@
 #include "grid/vmiBaseGrid.h"
 #include "tests/support/contourText.h"
 #include "tests/support/demoArchive.h"
+#include "tests/support/fileEntries.h"
 #include "tests/support/vlmWriter.h"
 
 namespace {
@@ -220,12 +220,18 @@ TEST(vmiDesignAhead, DesignsRefusedOnTheWayGiveTheSameTree)
 
 namespace {
 
-void add_entry(vmiFile& f, vmiEntryKind type, int indx, const std::string& bytes)
+// The tree a catalogue makes of data entries, with or without designs ahead,
+// and the contour counter after it.
+std::string catalogue_tree(bool ahead, long long work_limit, const std::vector<std::pair<int, std::string>>& data,
+                           const vlm::catalogue& c)
 {
-    char* buf = new char[bytes.size() + 1];
-    std::memcpy(buf, bytes.data(), bytes.size());
-    f.archive().add(new vmiArchiveElement(utString(type == vmiEntryKind::data ? "VLM00000.dat" : "00000.vlk"), buf,
-                                          static_cast<int>(bytes.size()), type, indx));
+    vmiFile f;
+    f.set_designs_ahead(ahead);
+    f.set_design_work_limit(work_limit);
+    vlm::process(f, data, c);
+    std::string out;
+    describe(f.root(), out);
+    return out + "counter " + std::to_string(f.contour_counter()) + "\n";
 }
 
 // A design that asks for a working grid of 600 x 600 nodes and does nothing
@@ -240,28 +246,30 @@ std::string heavy_design()
 // them is built ahead while the heavy one is, as if the heavy one were kept.
 std::string three_models_tree(bool ahead)
 {
-    vmiFile f;
-    f.set_designs_ahead(ahead);
-    f.set_design_work_limit(100000);
-    const std::vector<std::pair<int, std::string>> data = {
-        {7, heavy_design()}, {8, vlm::small_design(true)}, {9, vlm::small_design(false)}};
-    for (const auto& d : data)
-        add_entry(f, vmiEntryKind::data, d.first, d.second);
-    const vlm::catalogue c = vlm::catalogue()
-                                 .separator()
-                                 .level1("Client", "Case")
-                                 .level2("Left", "Scans")
-                                 .level3(3, 1, 0, 101, "heavy", "", "", 7)
-                                 .level3(3, 2, 0, 102, "kept", "", "", 8)
-                                 .level3(3, 3, 0, 101, "also", "", "", 9);
-    add_entry(f, vmiEntryKind::catalogue, 0, c.text());
-    f.proc_vlk();
-    std::string out;
-    describe(f.root(), out);
-    out += "counter " + std::to_string(f.contour_counter()) + "\n";
-    f.catalogue().free();
-    f.archive().free();
-    return out;
+    return catalogue_tree(ahead, 100000,
+                          {{7, heavy_design()}, {8, vlm::small_design(true)}, {9, vlm::small_design(false)}},
+                          vlm::catalogue()
+                              .separator()
+                              .level1("Client", "Case")
+                              .level2("Left", "Scans")
+                              .level3(3, 1, 0, 101, "heavy", "", "", 7)
+                              .level3(3, 2, 0, 102, "kept", "", "", 8)
+                              .level3(3, 3, 0, 101, "also", "", "", 9));
+}
+
+// A model before any level-2 group (skipped: its design, started at once on
+// the second thread, is dropped), then two models that are kept.
+std::string skipped_first_tree(bool ahead)
+{
+    return catalogue_tree(ahead, vmiWorkBudget::max_design_work,
+                          {{7, vlm::small_design(true)}, {8, vlm::small_design(false)}},
+                          vlm::catalogue()
+                              .separator()
+                              .level1("Client", "Case")
+                              .level3(3, 1, 0, 101, "nowhere", "", "", 7)
+                              .level2("Left", "Scans")
+                              .level3(3, 2, 0, 102, "first", "", "", 8)
+                              .level3(3, 3, 0, 101, "second", "", "", 7));
 }
 
 }  // namespace
@@ -275,35 +283,6 @@ TEST(vmiDesignAhead, DesignAfterARefusedOneIsBuiltAgainWithItsOwnIdentifier)
     EXPECT_NE(alone.find("counter 2"), std::string::npos);
     EXPECT_EQ(three_models_tree(true), alone);
 }
-
-namespace {
-
-// A model before any level-2 group (skipped: its design, started at once on
-// the second thread, is dropped), then two models that are kept.
-std::string skipped_first_tree(bool ahead)
-{
-    vmiFile f;
-    f.set_designs_ahead(ahead);
-    add_entry(f, vmiEntryKind::data, 7, vlm::small_design(true));
-    add_entry(f, vmiEntryKind::data, 8, vlm::small_design(false));
-    const vlm::catalogue c = vlm::catalogue()
-                                 .separator()
-                                 .level1("Client", "Case")
-                                 .level3(3, 1, 0, 101, "nowhere", "", "", 7)
-                                 .level2("Left", "Scans")
-                                 .level3(3, 2, 0, 102, "first", "", "", 8)
-                                 .level3(3, 3, 0, 101, "second", "", "", 7);
-    add_entry(f, vmiEntryKind::catalogue, 0, c.text());
-    f.proc_vlk();
-    std::string out;
-    describe(f.root(), out);
-    out += "counter " + std::to_string(f.contour_counter()) + "\n";
-    f.catalogue().free();
-    f.archive().free();
-    return out;
-}
-
-}  // namespace
 
 TEST(vmiDesignAhead, ModelSkippedBeforeAnyGroupGivesTheSameTree)
 {

@@ -21,30 +21,14 @@
 #include "grid/vmiBaseGrid.h"
 #include "host/qorResourceTable.h"
 #include "tests/support/contourText.h"
+#include "tests/support/fileEntries.h"
 #include "tests/support/optionScope.h"
 #include "tests/support/vlmWriter.h"
 
 namespace {
 
-void add_entry(vmiFile& f, vmiEntryKind type, int indx, const std::string& bytes)
-{
-    char* buf = new char[bytes.size() + 1];
-    std::memcpy(buf, bytes.data(), bytes.size());
-    f.archive().add(new vmiArchiveElement(utString(type == vmiEntryKind::data ? "VLM00000.dat" : "00000.vlk"), buf,
-                                          static_cast<int>(bytes.size()), type, indx));
-}
-
-// Data entries (number, content) then the catalogue processed against them,
-// as the reader does.
-void process(vmiFile& f, const std::vector<std::pair<int, std::string>>& data, const vlm::catalogue& c)
-{
-    for (const auto& d : data)
-        add_entry(f, vmiEntryKind::data, d.first, d.second);
-    add_entry(f, vmiEntryKind::catalogue, 0, c.text());
-    f.proc_vlk();
-    f.catalogue().free();
-    f.archive().free();
-}
+using vlm::add_entry;
+using vlm::process;
 
 vlm::catalogue groups()
 {
