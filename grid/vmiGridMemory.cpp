@@ -87,7 +87,8 @@ void give(m03DPoint* array, long long held)
     if (held > 0) {
         State& s = state();
         std::lock_guard<std::mutex> lock(s.mutex);
-        if (s.scopes > 0 && bytes_of(held) <= max_kept_bytes - s.bytes && s.bytes <= max_kept_bytes) {
+        // s.bytes never passes the bound, so the subtraction cannot wrap.
+        if (s.scopes > 0 && bytes_of(held) <= max_kept_bytes - s.bytes) {
             try {
                 s.kept.push_back({array, held});
                 s.bytes += bytes_of(held);

@@ -4,6 +4,8 @@
 
 #include <system_error>
 
+DigestQueue::DigestQueue() : two_processors_(std::thread::hardware_concurrency() > 1) {}
+
 DigestQueue::~DigestQueue()
 {
     stop();
@@ -12,7 +14,7 @@ DigestQueue::~DigestQueue()
 bool DigestQueue::fits(std::size_t bytes) const
 {
     std::lock_guard<std::mutex> lock(mutex_);
-    return bytes <= max_pending_bytes && !no_thread_ && std::thread::hardware_concurrency() > 1;
+    return bytes <= max_pending_bytes && !no_thread_ && two_processors_;
 }
 
 bool DigestQueue::take(const std::vector<giPoint3>& v, std::optional<ArrayDigest>& out)

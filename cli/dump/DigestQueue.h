@@ -35,7 +35,7 @@ public:
     // item's copy then lands on pages already there.
     static constexpr std::size_t max_spares = 1;
 
-    DigestQueue() = default;
+    DigestQueue();
     // Waits for the thread; a digest it could not take is left empty.
     ~DigestQueue();
     DigestQueue(const DigestQueue&) = delete;
@@ -75,6 +75,8 @@ private:
     std::size_t pending_ = 0;  // bytes queued or being hashed
     bool stopping_ = false;
     bool no_thread_ = false;   // a thread could not be started: nothing is queued
+    // Asked of the system once: fits() runs for every item.
+    const bool two_processors_;
     std::exception_ptr failed_;
     std::vector<Copy> spares_;
     std::thread thread_;

@@ -17,8 +17,10 @@ template <class A, class B>
 void digest_both(const std::vector<A>& a, const std::vector<B>& b, std::optional<ArrayDigest>& da,
                  std::optional<ArrayDigest>& db)
 {
+    // Asked of the system once, not for every item.
+    static const bool two_processors = std::thread::hardware_concurrency() > 1;
     std::thread apart;
-    if (a.size() * sizeof(A) >= digest_apart_bytes && std::thread::hardware_concurrency() > 1) {
+    if (a.size() * sizeof(A) >= digest_apart_bytes && two_processors) {
         try {
             apart = std::thread([&a, &da] {
                 pthread_setname_np(pthread_self(), "velmora-digest");

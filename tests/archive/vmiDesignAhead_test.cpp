@@ -4,15 +4,16 @@
 // kept, refused, or skipped on the way.
 #include "archive/vmiDesignAhead.h"
 
-#include <utility>
-#include <vector>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
+
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -85,7 +86,10 @@ std::string tree_of(const std::string& path, bool ahead, long long work_limit = 
 
 class DemoFile {
 public:
-    DemoFile() : path_(testing::TempDir() + "vmiDesignAhead_demo.vlm")
+    // One file per test and process: ctest runs the tests side by side.
+    DemoFile()
+        : path_(testing::TempDir() + "vmiDesignAhead_" +
+                testing::UnitTest::GetInstance()->current_test_info()->name() + "_" + std::to_string(getpid()) + ".vlm")
     {
         ok_ = vlm::demo::write_archive(path_);
     }
@@ -184,7 +188,7 @@ TEST(vmiDesignAhead, DemoTreeIsTheSameWithAndWithoutDesignsAhead)
     const std::string alone = tree_of(demo.path(), false);
     ASSERT_NE(alone, "nothing read");
     EXPECT_NE(alone.find("design 3"), std::string::npos);
-    EXPECT_EQ(tree_of(demo.path(), true), alone);
+    EXPECT_TRUE(tree_of(demo.path(), true) == alone) << "the trees differ";
 }
 
 TEST(vmiDesignAhead, DesignsRefusedOnTheWayGiveTheSameTree)
@@ -215,7 +219,7 @@ TEST(vmiDesignAhead, DesignsRefusedOnTheWayGiveTheSameTree)
     // Some designs kept (numbered from 0), not all four.
     EXPECT_NE(alone.find("design 0"), std::string::npos);
     EXPECT_EQ(alone.find("design 3"), std::string::npos);
-    EXPECT_EQ(tree_of(demo.path(), true, limit), alone);
+    EXPECT_TRUE(tree_of(demo.path(), true, limit) == alone) << "the trees differ";
 }
 
 namespace {
